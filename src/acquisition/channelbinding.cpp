@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "acquisition/channelbinding.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "calibration/axisrange.h"
+#include "calibration/plotcurve.h"
+#include "calibration/tableload.h"
+#include "frame/functions.h"
+#include "frame/hostlink.h"
+#include "frame/relaxed.h"
+#include "sensor/tolerances.h"
+
+namespace
+{
+
+bool channel_usable(int16_t channel)
+{
+    char text[200];
+    if (channel < 0 || channel >= Sys_attr->channel_count) {
+        std::snprintf(text, sizeof text, "Channel '%d' is Out of Range", channel);
+        show_information(text);
+        return false;
+    }
+    if (Ai_real[channel].active == 0) {
+        std::snprintf(text, sizeof text, "Channel '%d' is not Active", channel);
+        show_information(text);
+        return false;
+    }
+    return true;
+}
+
+template <std::size_t Size>
+void make_path(char (&path)[Size], const char *table_name, const char *extension)
+{
+    std::snprintf(path, Size, "/cell/tables/%.79s%s", table_name, extension);
+}
+
+// Name, units and paths as the host publishes them for the channel. The read
+// that follows replaces the name and the units with those of the file.
+void take_names(ZERL_CFG *cfg)
+{
+    TABLE_RECORD &table = cfg->table;
+    copyn(__FILE__, __LINE__, table.table_name, g_ai_transfer[cfg->channel].table_name,
+          sizeof table.table_name);
+    copyn(__FILE__, __LINE__, table.eng_units, Ai_real[cfg->channel].units, sizeof table.eng_units);
+    make_path(cfg->tbl_path, table.table_name, ".tbl");
+    make_path(cfg->save_path, table.table_name, ".save");
+    make_path(cfg->old_path, table.table_name, ".old");
+}
+
+void read_table_into(ZERL_CFG *cfg)
+{
+    if (is_failure(load_channel_table(cfg))) {
+        copyn(__FILE__, __LINE__, cfg->table.description, "No Description",
+              sizeof cfg->table.description);
+        cfg->long_current.flags = 0;
+        cfg->long_current.num_points = 0;
+        return;
+    }
+    copyn(__FILE__, __LINE__, cfg->table_units, cfg->table.eng_units, sizeof cfg->table_units);
+}
+
+} // namespace
+
+QString channel_item_prefix(int channel)
+{
+    return QString::asprintf("%5d  -  ", channel);
+}
+
+QStringList channel_items()
+{
+    QStringList items{QStringLiteral("Select A Channel")};
+    for (int n = 0; n < Sys_attr->channel_count; ++n) {
+        if (Ai_real[n].active == 1)
+            items.append(channel_item_prefix(n) + record_text(Ai_real[n].label));
+    }
+    return items;
+}
+
+bool channel_of_item(const QString &text, int16_t *channel)
+{
+    const QStringList parts = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    bool is_number = false;
+    const int16_t number = parts.isEmpty() ? int16_t(0) : parts.first().toShort(&is_number);
+    if (is_number)
+        *channel = number;
+    return is_number;
+}
+
+int32_t bind_channel(ZERL_CFG *cfg)
+{
+    const bool usable = channel_usable(cfg->channel);
+    if (usable) {
+        take_names(cfg);
+        read_table_into(cfg);
+        reset_axis_range(&cfg->x_axis_range);
+        reset_axis_range(&cfg->y_axis_range);
+        clear_unused_points(&cfg->long_current);
+        std::memcpy(cfg->plot_previous.pairs, cfg->plot_current.pairs,
+                    sizeof cfg->plot_previous.pairs);
+        cfg->plot_previous.count = cfg->plot_current.count;
+        cfg->long_previous = cfg->long_current;
+        mua_instance_index = 0;
+        cfg->table.worst_status = 0;
+        load_tolerances_and_biases(cfg);
+        g_num_points = cfg->long_current.num_points;
+        relaxed_store(g_monitor_run, static_cast<uint16_t>(1));
+        cfg->redraw_all = 1;
+        cfg->table_dirty = 0;
+    }
+    g_captured_points = 0;
+    return usable ? 0 : -1;
+}
+
+void bind_active_channel(ZERL_CFG *cfg)
+{
+    // A channel that a rebuild took away altogether is as little active.
+    const bool published = cfg->channel >= 0 && cfg->channel < Sys_attr->channel_count;
+    if (published && Ai_real[cfg->channel].active == 1)
+        bind_channel(cfg);
+}
+
+int32_t rebind_channel(ZERL_CFG *cfg)
+{
+    const int32_t result = bind_channel(cfg);
+    if (result == 0)
+        cfg->table_dirty = 0;
+    return result;
+}

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "acquisition/pointinfo.h"
+
+#include <QDoubleValidator>
+#include <QEvent>
+
+#include "acquisition/undodialog.h"
+#include "calibration/judgedrows.h"
+#include "calibration/process.h"
+#include "frame/functions.h"
+#include "frame/mainwindow.h"
+#include "frame/relaxed.h"
+#include "frame/styles.h"
+#include "frame/tablelock.h"
+#include "host/operations.h"
+#include "sensor/configdialog2.h"
+#include "ui_mainwindow.h"
+#include "ui_pointinfo.h"
+
+PointInfo::PointInfo(MainWindow *window, int32_t row_index, QWidget *parent)
+    : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
+      previous_state(POINT_AS_IN_TABLE), main(window), index(row_index), ui(new Ui::PointInfo)
+{
+    ui->setupUi(this);
+    if (g_touch_input) {
+        ui->txtCurrentValue->setValidator(new QDoubleValidator(ui->txtCurrentValue));
+        ui->txtCurrentValue->setProperty("keyboard", true);
+        ui->txtCurrentValue->installEventFilter(this);
+    }
+    set_value_style(QLatin1String(STYLE_WHITE));
+    set_caption(QStringLiteral("Capture"));
+    ui->lblIndexNum->setText(QString::number(index + 1));
+}
+
+PointInfo::~PointInfo()
+{
+    delete ui;
+}
+
+QLineEdit *PointInfo::value_field() const
+{
+    return ui->txtCurrentValue;
+}
+
+QLabel *PointInfo::mv_label() const
+{
+    return ui->lblMillivolts;
+}
+
+QString PointInfo::value_style() const
+{
+    return ui->txtCurrentValue->styleSheet();
+}
+
+void PointInfo::set_value_style(const QString &style)
+{
+    ui->txtCurrentValue->setStyleSheet(style);
+}
+
+QString PointInfo::caption() const
+{
+    return ui->btnCapture->text();
+}
+
+QString PointInfo::caption_style() const
+{
+    return ui->btnCapture->styleSheet();
+}
+
+void PointInfo::set_caption_style(const QString &style)
+{
+    ui->btnCapture->setStyleSheet(style);
+}
+
+bool PointInfo::children_visible() const
+{
+    return !ui->btnCapture->isHidden();
+}
+
+void PointInfo::set_children_visible(bool visible)
+{
+    ui->lblIndexNum->setVisible(visible);
+    ui->txtCurrentValue->setVisible(visible);
+    ui->lblMillivolts->setVisible(visible);
+    ui->btnCapture->setVisible(visible);
+    // A row without children takes no room in the column.
+    const int margin = visible ? 2 : 0;
+    ui->horizontalLayout->setContentsMargins(2, margin, 2, margin);
+}
+
+void PointInfo::set_caption(const QString &text)
+{
+    ui->btnCapture->setText(text);
+    set_caption_style(
+        QLatin1String(text.contains(QLatin1String("Undo")) ? STYLE_IDLE : STYLE_READY));
+}
+
+void PointInfo::set_caption_checked(const QString &text)
+{
+    ui->btnCapture->setText(text);
+    set_caption_style(
+        QLatin1String(text.contains(QLatin1String("Capture")) ? STYLE_READY : STYLE_IDLE));
+}
+
+bool PointInfo::captures() const
+{
+    return caption().contains(QLatin1String("Capture"));
+}
+
+bool PointInfo::eventFilter(QObject *, QEvent *)
+{
+    return false;
+}
+
+void PointInfo::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) {
+        const QString kept = caption();
+        const QString number = ui->lblIndexNum->text();
+        ui->retranslateUi(this);
+        ui->btnCapture->setText(kept); // the caption tells the button's action
+        ui->lblIndexNum->setText(number);
+    }
+}
+
+// No mutex, no check and no unsaved work: the value is set up before a capture,
+// which is what then marks the work as unsaved.
+void PointInfo::on_txtCurrentValue_editingFinished()
+{
+    const double value = ui->txtCurrentValue->text().toDouble();
+    g_cfg->table.poly[range_index(g_cfg->table)].y[index] = value;
+    g_cfg->long_current.y[index] = value;
+    g_cfg->redraw_all = 1;
+    g_cfg->table_dirty = 0;
+    main->update_plot(g_cfg);
+}
+
+void PointInfo::on_btnCapture_clicked()
+{
+    if (captures())
+        capture();
+    else
+        undo();
+}
+
+// True when the sensor range is in order. Otherwise the table information is
+// opened for repair; the capture has then not happened and is pressed again.
+bool PointInfo::sensor_range_repaired()
+{
+    uint32_t reason = 0;
+    if (main->check_sensor_range(&reason) != 0)
+        return true;
+    TableLock lock(main->table_mutex());
+    ConfigDialog2 dialog(main, true, reason);
+    if (dialog.exec() == QDialog::Accepted)
+        main->form()->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
+    return false;
+}
+
+void PointInfo::capture()
+{
+    if (!sensor_range_repaired())
+        return;
+    POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
+    LONG_TABLE &current = g_cfg->long_current;
+    const bool grown = state == POINT_NEW;
+    if (grown && current.num_points < MAX_POINTS) {
+        ++current.num_points;
+        ++range.num_points;
+    }
+    const double former_mv = current.x[index];
+    const QString former_style = value_style();
+    previous_state = state;
+    g_cfg->table.point_state[index] = POINT_CAPTURED;
+    state = POINT_CAPTURED;
+    g_cfg->redraw_all = 1;
+    // A refusal leaves the row in state 2 with its caption: pressing again
+    // retries the capture.
+    if (main->store_point(g_cfg, index, ui->txtCurrentValue->text().toDouble()) == 0)
+        return;
+    if (grown)
+        compute_long_table(&g_cfg->table, &current);
+    main->form()->lblNextStep->setText(QString());
+    previous_mv = former_mv;
+    saved_style = former_style;
+    previous_status = status;
+    ++g_captured_points;
+    update_record_ready(main);
+    set_caption(QStringLiteral("Undo"));
+    classify_point(main, index, ui->txtCurrentValue, &status);
+    main->sync_type_controls(g_cfg);
+    finish();
+}
+
+void PointInfo::undo()
+{
+    undoDialog dialog(main);
+    if (dialog.exec() != QDialog::Accepted) {
+        finish();
+        return;
+    }
+    POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
+    LONG_TABLE &current = g_cfg->long_current;
+    g_cfg->redraw_all = 1;
+    // Only the millivolts go back; the reference value stays, so that a later
+    // capture does not need it again.
+    ui->lblMillivolts->setText(value_text(previous_mv));
+    current.x[index] = previous_mv;
+    range.x[index] = previous_mv;
+    const bool was_new = previous_state == POINT_NEW;
+    if (was_new) {
+        current.num_points = static_cast<int16_t>(qMax(0, current.num_points - 1));
+        range.num_points = static_cast<int16_t>(qMax(0, range.num_points - 1));
+    }
+    compute_long_table(&g_cfg->table, &current);
+    g_cfg->table.point_state[index] = previous_state;
+    state = previous_state;
+    set_value_style(saved_style);
+    g_cfg->table.worst_status = previous_status;
+    --g_captured_points;
+    main->update_plot(g_cfg);
+    update_record_ready(main);
+    set_caption(was_new ? QStringLiteral("Capture New") : QStringLiteral("Capture"));
+    finish();
+}
+
+// Runs after a capture, a revert and a cancelled undo alike, so a cancelled undo
+// too overwrites the point's statistics with the present reading.
+void PointInfo::finish()
+{
+    main->form()->btnAdjustCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
+    main->form()->btnReuseCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
+    const POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
+    POINT_STATISTICS &point = g_cfg->point_stats[index];
+    point.eu_mean = relaxed_load(g_sample.eu_mean);
+    point.eu_max = relaxed_load(g_sample.eu_max);
+    point.eu_min = relaxed_load(g_sample.eu_min);
+    point.eu_std = relaxed_load(g_sample.eu_std);
+    point.eu_reference = range.y[index];
+    point.mv_at_capture = range.x[index];
+    point.mv_mean = relaxed_load(g_sample.mv_mean);
+    point.mv_max = relaxed_load(g_sample.mv_max);
+    point.mv_min = relaxed_load(g_sample.mv_min);
+    point.mv_std = relaxed_load(g_sample.mv_std);
+    main->show_coefficients(g_cfg);
+}

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Adjust and Re-Use: what becomes of the calibration.
+#include "frame/mainwindow.h"
+
+#include "calibration/classification.h"
+#include "calibration/judgedrows.h"
+#include "calibration/process.h"
+#include "calibration/questions.h"
+#include "calibration/tablestore.h"
+#include "frame/styles.h"
+#include "host/operations.h"
+#include "ui_mainwindow.h"
+
+namespace
+{
+
+void paint_box(QLineEdit *box, BOX_COLOUR colour)
+{
+    if (colour != BOX_KEEPS)
+        box->setStyleSheet(QLatin1String(status_style(static_cast<uint16_t>(colour))));
+}
+
+} // namespace
+
+void MainWindow::on_btnAdjustCalibration_clicked()
+{
+    decide(true);
+}
+
+void MainWindow::on_btnReuseCalibration_clicked()
+{
+    decide(false);
+}
+
+void MainWindow::decide(bool adjust)
+{
+    compute_worst_status(this);
+    const TABLE_RECORD &table = g_cfg->table;
+    const DECISION &decision = adjust ? adjust_decision(table.last_save_type, table.worst_status)
+                                      : reuse_decision(table.last_save_type, table.worst_status);
+    if (!ask_question(this, decision.asked))
+        return;
+    paint_box(ui->txtAdjustCalibration, decision.table_updated);
+    paint_box(ui->txtAfterService, decision.after_service);
+    if (decision.after_service != BOX_KEEPS) {
+        ui->txtAfterService->setText(QStringLiteral("N/A"));
+        copyn(__FILE__, __LINE__, g_ws_block->after_service_time, "N/A",
+              sizeof g_ws_block->after_service_time);
+    }
+    finish_decision(adjust);
+}
+
+void MainWindow::finish_decision(bool adjust)
+{
+    ::clear_row_captions(this);
+    stamp(ui->txtAdjustCalibration, g_ws_block->adjust_calibration_time);
+    ui->btnAdjustCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
+    ui->btnReuseCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
+    TABLE_RECORD &table = g_cfg->table;
+    copyn(__FILE__, __LINE__, table.qie, ui->txtCalibrationQIE->text().toUtf8().constData(),
+          sizeof table.qie);
+    copyn(__FILE__, __LINE__, table.verified_by, ui->txtTechnicianName->text().toUtf8().constData(),
+          sizeof table.verified_by);
+    if (adjust)
+        save_calibration(g_cfg, SAVE_ADJUSTED);
+    else
+        save_reused_calibration(g_cfg, SAVE_REUSED);
+    rebuild_tables(g_cfg);
+    auto_scale_plot();
+    reclassify_rows(this);
+}

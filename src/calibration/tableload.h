@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// From a table as read to the long table that the tool works with.
+#ifndef CALIBRATION_TABLELOAD_H
+#define CALIBRATION_TABLELOAD_H
+
+#include "frame/zerl_cfg.h"
+
+// Reads the channel's table (tbl_path and its archive) into the zeroed record
+// and computes it according to its type. Returns the status of the read; 65535
+// as a 16-bit value is failure, and nothing is computed then.
+int32_t load_channel_table(ZERL_CFG *cfg);
+
+// A SCALED table as the INTERP table of two points that takes its place.
+void convert_scaled_table(TABLE_RECORD *table);
+
+// Sorts n pairs by x, ascending. Not stable: pairs with equal x may change
+// places. Values that are not numbers end up behind all others.
+void sort_points(double *x, double *y, int n);
+
+// Copies n values of a straight line's coefficient buffer over the range's
+// coefficients. The range holds 18: more run into the x values behind them,
+// whose first n - 18 are overwritten. That is how a table of more than 18
+// points has always been loaded.
+void store_line_coefficients(POLY_RANGE_RECORD *range, const double *buffer, int n);
+
+#endif

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "frame/functions.h"
+
+#include <cmath>
+#include <cstring>
+
+bool nearly_equal(double a, double b)
+{
+    return 1e-6 >= std::fabs(a - b);
+}
+
+void trim_text(char *text)
+{
+    std::size_t length = std::strlen(text);
+    while (length > 0 && (text[length - 1] == ' ' || text[length - 1] == '\n'))
+        --length;
+    text[length] = '\0';
+    const std::size_t leading = std::strspn(text, " ");
+    std::memmove(text, text + leading, length - leading + 1);
+}
+
+QString value_text(double value)
+{
+    return QString::asprintf("%8.4f", value);
+}
+
+QString record_text(const char *text, std::size_t size)
+{
+    return QString::fromUtf8(text, static_cast<int>(strnlen(text, size)));
+}

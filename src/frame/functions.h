@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Small helpers of the whole program.
+#ifndef FRAME_FUNCTIONS_H
+#define FRAME_FUNCTIONS_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include <QString>
+
+// The one float comparison: true when 1e-6 >= |a - b|, so false for NaN.
+bool nearly_equal(double a, double b);
+
+// Removes trailing spaces and line feeds, then leading spaces, in place.
+void trim_text(char *text);
+
+// The host's failure value is -1 as a 16-bit number; only 16 bits count.
+constexpr bool is_failure(int32_t result)
+{
+    return (result & 0xffff) == 0xffff;
+}
+
+// Shows a modal box titled "Information" with one OK button. The windows define
+// it; computation only calls it.
+void show_information(const char *text);
+
+// The same with a title of its own, for warnings raised by computation.
+void show_warning(const char *title, const char *text);
+
+// "%8.4f", the form of every value and millivolt field.
+QString value_text(double value);
+
+// A record's text, at most size bytes, decoded from UTF-8.
+QString record_text(const char *text, std::size_t size);
+template <std::size_t Size> QString record_text(const char (&text)[Size])
+{
+    return record_text(text, Size);
+}
+
+#endif

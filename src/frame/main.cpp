@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <sys/mman.h>
+
+#include <QApplication>
+#include <QFile>
+
+#include "frame/mainwindow.h"
+#include "frame/termination.h"
+#include "host/operations.h"
+#include "host/vornaxqt.h"
+
+int main(int argc, char *argv[])
+{
+    if (is_display_env_var_empty(QString::fromLocal8Bit(argv[0])))
+        return 1;
+    QApplication application(argc, argv);
+    install_termination_handler();
+    // Only the marker's existence counts; it is never opened.
+    g_touch_input = QFile::exists(QStringLiteral("/cell/vornax_ts.ini"));
+    if ((join_layer(3) & 0xffff) == JOIN_REFUSED)
+        exit_auth_failure();
+    munlockall();
+    MainWindow window;
+    g_main_window = &window;
+    window.show();
+    const int result = QApplication::exec();
+    g_main_window = nullptr;
+    return result;
+}

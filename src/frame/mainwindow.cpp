@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Construction, menus and wiring of the window.
+#include "frame/mainwindow.h"
+
+#include <cstdlib>
+
+#include <QEvent>
+#include <QIntValidator>
+
+#include "acquisition/channelbinding.h"
+#include "acquisition/monitorthread.h"
+#include "calibration/process.h"
+#include "frame/functions.h"
+#include "frame/hostlink.h"
+#include "frame/relaxed.h"
+#include "frame/styles.h"
+#include "frame/tablelock.h"
+#include "frame/zerl_callbacks.h"
+#include "sensor/configdialog2.h"
+#include "sensor/tolerances.h"
+#include "ui_mainwindow.h"
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent), m_monitor(nullptr),
+      m_table_mutex(nullptr), m_curves{}, m_symbols{}, curve_x{}, curve_y{}, poly_x{}, poly_y{},
+      m_point_x(0.0), m_point_y(0.0), m_channel_reverting(false), curves_removed(false),
+      ui(new Ui::MainWindow), force_rescale(false)
+{
+    g_first_select = 1;
+    m_table_mutex = new QMutex(QMutex::Recursive);
+    ui->setupUi(this);
+    set_start_state();
+    curves_removed = false;
+    if (init() != 1)
+        std::exit(0);
+    set_up_touch_input();
+    force_rescale = false;
+    relaxed_store(g_monitor_enabled, static_cast<uint8_t>(1));
+    ui->frame->setFrameShape(QFrame::NoFrame);
+    ui->btnAdjustCalibration->setEnabled(false);
+    ui->btnReuseCalibration->setEnabled(false);
+    ui->lblSerialNumber->clear();
+    ui->btnUnits->setText(QString());
+    ui->btnGenerateLineRpt->setEnabled(false);
+    create_rows();
+    hide_rows();
+    setup_plot();
+    ui->dataPlot->show();
+    ui->coeffFrame->hide();
+    ui->lblTableName->clear();
+    qRegisterMetaType<ZERL_CFG *>("ZERL_CFG*");
+    m_monitor = new monitorThread(m_table_mutex);
+    m_monitor->set_sleep_ms(MONITOR_PERIOD_MS);
+    connect(m_monitor, &monitorThread::plotInfo, this, &MainWindow::draw_plots_info);
+    ui->cboCurrentChannel->setStyleSheet(QStringLiteral("combobox-popup: 0;"));
+}
+
+// The monitor thread and its mutex are not touched: they die with the process.
+MainWindow::~MainWindow()
+{
+    delete ui;
+}
+
+void MainWindow::set_start_state()
+{
+    ui->menuStatistics->setEnabled(false);
+    ui->btnGenerateLineRpt->hide();
+    ui->chk1065Verification->hide();
+    ui->label_22->hide();
+    ui->actionView_Previous_Calibration_Report->setVisible(false);
+    ui->cboCalType->setEnabled(false);
+    ui->cboOrderOfPolynomial->setEnabled(false);
+    ui->cboPolyRangeIndex->setEnabled(false);
+    ui->txtCalibrationQIE->setFocus();
+    ui->actionView_Previous_Calibration_Report->setEnabled(false);
+    ui->lblNextStep->setStyleSheet(QLatin1String(STYLE_NO_ADVICE));
+    ui->verticalLayout_4->setAlignment(Qt::AlignTop);
+}
+
+int MainWindow::init()
+{
+    set_none_instance_tokens();
+    allocate_session();
+    set_cfg_pointer(g_cfg);
+    g_callbacks.rebind_channel = rebind_channel;
+    g_cfg->units_loaded = 0;
+    g_cfg->value_units_override = 0;
+    m_channel_reverting = false;
+    if (!start_session())
+        return 0;
+    fill_channel_list();
+    return 1;
+}
+
+bool MainWindow::start_session()
+{
+    const int32_t attached = attach_host_memories();
+    if (is_failure(attached)) {
+        show_information("Failure initializing shared memory for task - exiting");
+        log_error(__FILE__, __LINE__, 1, attached,
+                  "Failure Initializing Shared Memory for zerl_util task");
+        return false;
+    }
+    const int32_t units = units_init_access(1);
+    if (is_failure(units)) {
+        show_information("Failure initializing units for task - exiting");
+        // The comma at the end is part of the text.
+        log_error(__FILE__, __LINE__, 1, units, "Failure Initializing Units for zerl task,");
+        return false;
+    }
+    return true;
+}
+
+void MainWindow::set_up_touch_input()
+{
+    g_input_device = nullptr;
+    if (!g_touch_input)
+        return;
+    QLineEdit *const fields[] = {ui->txtCalibrationQIE, ui->txtTechnicianName, ui->txtNumPoints,
+                                 ui->txtAveragingTime};
+    auto *validator = new QIntValidator(this);
+    ui->txtNumPoints->setValidator(validator);
+    ui->txtAveragingTime->setValidator(validator);
+    for (QLineEdit *field : fields) {
+        field->setProperty("keyboard", true);
+        field->installEventFilter(this);
+    }
+}
+
+bool MainWindow::eventFilter(QObject *, QEvent *)
+{
+    return false;
+}
+
+void MainWindow::clear_next_step()
+{
+    ui->lblNextStep->setStyleSheet(QLatin1String(STYLE_NO_ADVICE));
+    ui->lblNextStep->setText(QString());
+}
+
+void MainWindow::on_actionTable_Info_triggered()
+{
+    if (ui->cboCurrentChannel->currentIndex() == 0)
+        return;
+    TableLock lock(m_table_mutex);
+    ConfigDialog2 dialog(this, false, 0);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    reset_process_view(this, false);
+    ui->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
+    g_captured_points = 0;
+    sync_type_controls(g_cfg);
+}

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "frame/messagebox.h"
+
+#include "frame/functions.h"
+#include "frame/mainwindow.h"
+
+QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
+                                const QString &text, QMessageBox::StandardButtons buttons,
+                                QMessageBox::StandardButton default_button)
+{
+    QMessageBox box(icon, title, text, buttons, parent, TITLE_BAR_ONLY);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(default_button);
+    box.exec();
+    const QAbstractButton *answer = box.clickedButton();
+    return answer != nullptr ? box.standardButton(const_cast<QAbstractButton *>(answer))
+                             : default_button;
+}
+
+void show_information(const char *text)
+{
+    ask(g_main_window, QMessageBox::Information, QStringLiteral("Information"),
+        QString::fromUtf8(text), QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void show_warning(const char *title, const char *text)
+{
+    ask(g_main_window, QMessageBox::Warning, QString::fromUtf8(title), QString::fromUtf8(text),
+        QMessageBox::Ok, QMessageBox::Ok);
+}

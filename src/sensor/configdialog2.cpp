@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "sensor/configdialog2.h"
+
+#include <cstring>
+#include <ctime>
+
+#include <QDoubleValidator>
+#include <QMessageBox>
+
+#include "frame/functions.h"
+#include "frame/messagebox.h"
+#include "frame/zerl_cfg.h"
+#include "host/operations.h"
+#include "sensor/tolerances.h"
+#include "ui_configdialog2.h"
+
+namespace
+{
+
+QString limit_text(double value)
+{
+    return QString::asprintf("%8.2f", value);
+}
+
+double converted(const char *from, const char *to, double value)
+{
+    double result = value;
+    units_dbl_keyword_convrt(from, &result, to, value);
+    return result;
+}
+
+// Local date, "MM/dd/yy"; empty when no calendar holds the time.
+QString date_text(int64_t seconds)
+{
+    const time_t time = seconds;
+    tm local = {};
+    char text[24] = "";
+    if (localtime_r(&time, &local) == nullptr ||
+        std::strftime(text, sizeof text, "%D", &local) == 0)
+        return {};
+    return QString::fromUtf8(text);
+}
+
+QLabel *label_of_class(int tolerance_class, QLabel *ooa, QLabel *oot, QLabel *soot)
+{
+    switch (tolerance_class) {
+    case CLASS_OOA:
+        return ooa;
+    case CLASS_OOT:
+        return oot;
+    default:
+        return soot;
+    }
+}
+
+} // namespace
+
+ConfigDialog2::ConfigDialog2(QWidget *parent, bool show_reason, uint32_t reason)
+    : QDialog(parent), ui(std::make_unique<Ui::ConfigDialog2>())
+{
+    ui->setupUi(this);
+    if (g_touch_input)
+        set_up_touch_input();
+    g_cfg->table_dirty = 0;
+    setWindowFlags(TITLE_BAR_ONLY);
+    fill_form();
+    if (!show_reason)
+        return;
+    const QString text = range_update_text(reason, g_cfg->table);
+    if (!text.isEmpty())
+        tell(QStringLiteral("Update Data"), text);
+}
+
+ConfigDialog2::~ConfigDialog2() = default;
+
+// On an ordinary desktop the fields stay free of marks and validators.
+void ConfigDialog2::set_up_touch_input()
+{
+    for (QLineEdit *field : {ui->txtDescription, ui->txtSerialNumber, ui->txtSensorMfgModel,
+                             ui->txtLowerRangeLimit, ui->txtUpperRangeLimit}) {
+        field->setProperty("keyboard", true);
+        field->installEventFilter(this);
+    }
+    auto *const validator = new QDoubleValidator(this);
+    validator->setLocale(QLocale::c()); // the limits are written and read so
+    ui->txtLowerRangeLimit->setValidator(validator);
+    ui->txtUpperRangeLimit->setValidator(validator);
+}
+
+// Every event goes on to its field, a double-tap too.
+bool ConfigDialog2::eventFilter(QObject *, QEvent *)
+{
+    return false;
+}
+
+void ConfigDialog2::tell(const QString &title, const QString &text)
+{
+    // Before the dialog shows, a box of its own would stand where it is not yet.
+    QWidget *const owner = isVisible() ? this : parentWidget();
+    ask(owner, QMessageBox::Warning, title, text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void ConfigDialog2::fill_form()
+{
+    fill_sensor_information();
+    fill_calibration_information();
+    ui->lblOOABias->setText(ooa_bias_token);
+    ui->lblOOATolerance->setText(ooa_tolerance_token);
+    ui->lblOOTBias->setText(oot_bias_token);
+    ui->lblOOTTolerance->setText(oot_tolerance_token);
+    ui->lblSOOTBias->setText(soot_bias_token);
+    ui->lblSOOTTolerance->setText(soot_tolerance_token);
+    ui->lblMUAInstanceName_2->setText(record_text(g_cfg->table.mua_instance_name));
+    g_num_points = g_cfg->long_current.num_points;
+}
+
+void ConfigDialog2::fill_sensor_information()
+{
+    const TABLE_RECORD &table = g_cfg->table;
+    ui->txtDescription->setText(record_text(table.description));
+    ui->txtSerialNumber->setText(record_text(table.sensor_serial_no));
+    ui->txtSensorMfgModel->setText(record_text(table.sensor_model));
+    show_limits();
+    ui->btnSensorUnits->setText(record_text(table.sensor_units));
+}
+
+void ConfigDialog2::fill_calibration_information()
+{
+    const TABLE_RECORD &table = g_cfg->table;
+    const char *const units = g_cfg->table_units;
+    ui->lblCalibrationUnitsText->setText(record_text(table.eng_units));
+    ui->lblMinimumText->setText(limit_text(converted(table.eng_units, units, table.y_min)));
+    ui->lblMaximumText->setText(limit_text(converted(table.eng_units, units, table.y_max)));
+    ui->lblDateText->setText(date_text(table.last_cal_time));
+    ui->lblQIEText->setText(record_text(table.qie));
+    ui->lblTechText->setText(record_text(table.verified_by));
+}
+
+void ConfigDialog2::show_limits()
+{
+    ui->txtLowerRangeLimit->setText(limit_text(g_cfg->table.sensor_range_min));
+    ui->txtUpperRangeLimit->setText(limit_text(g_cfg->table.sensor_range_max));
+}
+
+SensorForm ConfigDialog2::sensor_form() const
+{
+    return {ui->txtDescription->text().toUtf8(),       ui->txtSerialNumber->text().toUtf8(),
+            ui->txtSensorMfgModel->text().toUtf8(),    ui->btnSensorUnits->text().toUtf8(),
+            ui->txtLowerRangeLimit->text().toDouble(), ui->txtUpperRangeLimit->text().toDouble()};
+}
+
+bool ConfigDialog2::validate_form()
+{
+    reason_code = form_range_reason({ui->txtLowerRangeLimit->text(), ui->txtUpperRangeLimit->text(),
+                                     ui->btnSensorUnits->text()},
+                                    g_cfg->table.eng_units);
+    return reason_code == RANGE_VALID;
+}
+
+// Says what is wrong and puts the record's values back on the form.
+void ConfigDialog2::refuse_form()
+{
+    const TABLE_RECORD &table = g_cfg->table;
+    tell(range_refusal_title(reason_code),
+         range_refusal_text(reason_code, ui->btnSensorUnits->text(), record_text(table.eng_units)));
+    if (reason_code <= RANGE_UNREADABLE)
+        show_limits();
+    else
+        ui->btnSensorUnits->setText(record_text(table.sensor_units));
+}
+
+void ConfigDialog2::on_btnOk_clicked()
+{
+    if (!validate_form()) {
+        refuse_form();
+        return;
+    }
+    TABLE_RECORD &table = g_cfg->table;
+    const SensorForm form = sensor_form();
+    if (change_affects_calibration(form, table))
+        tell(QStringLiteral("Clearing Calibration Data"),
+             QStringLiteral("Changes may affect the calibration.\n\n"
+                            "Calibration data will be cleared."));
+    trim_text(table.mua_instance_name);
+    if (store_sensor_form(form, &table))
+        g_cfg->table_dirty = 1;
+    load_tolerances_and_biases();
+    // The inverse of what fill_form shows, in place: units picked meanwhile count.
+    table.y_min = converted(g_cfg->table_units, table.eng_units, table.y_min);
+    table.y_max = converted(g_cfg->table_units, table.eng_units, table.y_max);
+    accept();
+}
+
+void ConfigDialog2::on_btnCancel_clicked()
+{
+    if (cancel_loses_changes(sensor_form(), g_cfg->table))
+        tell(QStringLiteral("Changes Lost"),
+             QStringLiteral("Changes made to the Calibration Configuration will be lost."));
+    reject();
+}
+
+double ConfigDialog2::get_tolerance_value(int tolerance_class)
+{
+    const QLabel *const label = label_of_class(tolerance_class, ui->lblOOATolerance,
+                                               ui->lblOOTTolerance, ui->lblSOOTTolerance);
+    const TokenReading reading = read_tolerance(
+        label->text().toUtf8(), none_tolerance_token(tolerance_class).toUtf8(), g_cfg->table);
+    if (reading.warning != nullptr)
+        show_warning(reading.warning->title, reading.warning->text);
+    if (reading.warning == &SENSOR_UNITS_WARNING)
+        mua_instance_index = 0;
+    return reading.value;
+}
+
+double ConfigDialog2::get_bias_value(int tolerance_class)
+{
+    // The warning is dropped here too, as the load operation drops it.
+    const QLabel *const label =
+        label_of_class(tolerance_class, ui->lblOOABias, ui->lblOOTBias, ui->lblSOOTBias);
+    return read_bias(label->text().toUtf8(), g_cfg->table).value;
+}
+
+void ConfigDialog2::load_tolerances_and_biases()
+{
+    TABLE_RECORD &table = g_cfg->table;
+    table.ooa_bias = get_bias_value(CLASS_OOA);
+    table.ooa_tol = get_tolerance_value(CLASS_OOA);
+    table.oot_bias = get_bias_value(CLASS_OOT);
+    table.oot_tol = get_tolerance_value(CLASS_OOT);
+    table.soot_bias = get_bias_value(CLASS_SOOT);
+    table.soot_tol = get_tolerance_value(CLASS_SOOT);
+}
