@@ -23,7 +23,9 @@ PointInfo::PointInfo(MainWindow *window, int32_t row_index, QWidget *parent)
 {
     ui->setupUi(this);
     if (g_touch_input) {
-        ui->txtCurrentValue->setValidator(new QDoubleValidator(ui->txtCurrentValue));
+        auto *validator = new QDoubleValidator(ui->txtCurrentValue);
+        validator->setLocale(QLocale::c()); // the field's text is read with a decimal point
+        ui->txtCurrentValue->setValidator(validator);
         ui->txtCurrentValue->setProperty("keyboard", true);
         ui->txtCurrentValue->installEventFilter(this);
     }

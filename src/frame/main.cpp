@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <clocale>
+
 #include <sys/mman.h>
 
 #include <QApplication>
@@ -14,6 +16,8 @@ int main(int argc, char *argv[])
     if (is_display_env_var_empty(QString::fromLocal8Bit(argv[0])))
         return 1;
     QApplication application(argc, argv);
+    // The host's texts and files have a decimal point wherever the cell stands.
+    setlocale(LC_NUMERIC, "C");
     install_termination_handler();
     // Only the marker's existence counts; it is never opened.
     g_touch_input = QFile::exists(QStringLiteral("/cell/vornax_ts.ini"));

@@ -8,7 +8,8 @@ QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const Q
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton default_button)
 {
-    QMessageBox box(icon, title, text, buttons, parent, TITLE_BAR_ONLY);
+    QMessageBox box(icon, title, text, buttons, parent);
+    box.setWindowFlags(TITLE_BAR_ONLY); // the constructor would add a close button
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(default_button);
     box.exec();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensor/configdialog2.h"
 
-#include <cstring>
 #include <ctime>
 
 #include <QDoubleValidator>
@@ -10,8 +9,8 @@
 #include "frame/functions.h"
 #include "frame/messagebox.h"
 #include "frame/zerl_cfg.h"
-#include "host/operations.h"
 #include "sensor/tolerances.h"
+#include "sensor/unitkeywords.h"
 #include "ui_configdialog2.h"
 
 namespace
@@ -20,13 +19,6 @@ namespace
 QString limit_text(double value)
 {
     return QString::asprintf("%8.2f", value);
-}
-
-double converted(const char *from, const char *to, double value)
-{
-    double result = value;
-    units_dbl_keyword_convrt(from, &result, to, value);
-    return result;
 }
 
 // Local date, "MM/dd/yy"; empty when no calendar holds the time.

@@ -5,12 +5,7 @@
 #include <strings.h>
 
 #include "frame/functions.h"
-#include "host/operations.h"
-
-bool same_dimension(const char *a, const char *b)
-{
-    return (units_dimension_check_key(a, b) & 0xffff) == 0;
-}
+#include "sensor/unitkeywords.h"
 
 uint32_t sensor_range_reason(const TABLE_RECORD &table)
 {

@@ -36,9 +36,6 @@ enum : uint32_t {
     RANGE_UNITS_UNLIKE = 7 // sensor and table units differ in dimension
 };
 
-// True when values of one unit keyword can be converted to the other.
-bool same_dimension(const char *a, const char *b);
-
 // Reason code of a record.
 uint32_t sensor_range_reason(const TABLE_RECORD &table);
 

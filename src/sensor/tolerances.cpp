@@ -8,7 +8,7 @@
 
 #include "frame/functions.h"
 #include "host/operations.h"
-#include "sensor/sensorrange.h"
+#include "sensor/unitkeywords.h"
 
 QString none_instance_name;
 QString ooa_bias_token;
@@ -59,13 +59,6 @@ SplitToken read_token(const char *token)
     split_value_token(token, value_text, split.unit);
     split.value = number_of(value_text);
     return split;
-}
-
-double converted(const char *from, const char *to, double value)
-{
-    double result = value;
-    units_dbl_keyword_convrt(from, &result, to, value);
-    return result;
 }
 
 double as_fraction(const char *token, double value)
