@@ -10,11 +10,8 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <string>
-#include <vector>
 
+#include "bench/ratios.h"
 #include "host/operations.h"
 
 namespace
@@ -22,7 +19,6 @@ namespace
 
 constexpr int POINTS = 64;
 constexpr int COEFFS = 8;
-constexpr double LIMIT = 1.0;
 
 struct Data {
     std::array<double, POINTS> x;
@@ -84,57 +80,9 @@ void BM_gsl_multifit_linear(benchmark::State &state)
 }
 BENCHMARK(BM_gsl_multifit_linear);
 
-// Prints as usual and keeps the medians.
-class Medians : public benchmark::ConsoleReporter
-{
-public:
-    Medians() : ConsoleReporter(OO_None) {} // no colours in a log
-
-    double fit = 0.0;
-    double gsl = 0.0;
-
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs) {
-            const std::string name = run.benchmark_name();
-            if (name == "BM_polynomialfit_median")
-                fit = run.GetAdjustedCPUTime();
-            else if (name == "BM_gsl_multifit_linear_median")
-                gsl = run.GetAdjustedCPUTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
-
-// Gives the arguments with those added that take medians over interleaved
-// repetitions, so that a change of the processor's clock strikes both sides.
-std::vector<char *> with_repetitions(int argc, char **argv)
-{
-    static std::string repetitions = "--benchmark_repetitions=9";
-    static std::string interleaving = "--benchmark_enable_random_interleaving=true";
-    static std::string aggregates = "--benchmark_report_aggregates_only=true";
-    std::vector<char *> arguments = {argv[0], repetitions.data(), interleaving.data(),
-                                     aggregates.data()};
-    arguments.insert(arguments.end(), argv + 1, argv + argc);
-    return arguments;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
-    std::vector<char *> arguments = with_repetitions(argc, argv);
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
-        return 2;
-    Medians medians;
-    benchmark::RunSpecifiedBenchmarks(&medians);
-    if (!(medians.fit > 0.0) || !(medians.gsl > 0.0)) {
-        std::fprintf(stderr, "no ratio: one of the two benchmarks did not run\n");
-        return 2;
-    }
-    const double ratio = medians.fit / medians.gsl;
-    std::printf("ratio polynomialfit/gsl_multifit_linear: %.3f (limit %.1f)\n", ratio, LIMIT);
-    return ratio <= LIMIT ? 0 : 1;
+    return bench::run(argc, argv, {{"BM_polynomialfit", "BM_gsl_multifit_linear", 1.0}});
 }

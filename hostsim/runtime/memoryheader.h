@@ -12,7 +12,8 @@
 
 #include "host/layout.h"
 
-namespace hostsim {
+namespace hostsim
+{
 
 constexpr std::uint64_t MEMORY_MAGIC = 0x314d454d58524f56; // "VORXMEM1"
 constexpr std::uint32_t MEMORY_VERSION = 1;
@@ -30,7 +31,8 @@ HOST_OFFSET(MemoryHeader, payload_size, 16);
 // Memories that only the stand-in knows.
 enum {
     MEMORY_VARIABLES = 901, // the variable table
-    MEMORY_CONTROL = 902    // what the cell tells the runtime
+    MEMORY_CONTROL = 902,   // what the cell tells the runtime
+    MEMORY_UNIT_TEXT = 903  // the units catalogue's text, see unitcatalogue.h
 };
 
 struct ControlRecord {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "acquisition/channelbinding.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "calibration/axisrange.h"
 #include "calibration/plotcurve.h"
@@ -62,19 +65,40 @@ void read_table_into(ZERL_CFG *cfg)
     copyn(__FILE__, __LINE__, cfg->table_units, cfg->table.eng_units, sizeof cfg->table_units);
 }
 
+// "%5d  -  %s" by hand: a list may hold 32,767 of them.
+QString item_text(int channel, const char *label, std::size_t label_size)
+{
+    char text[160];
+    char digits[12];
+    const char *end = std::to_chars(digits, std::end(digits), channel).ptr;
+    const auto width = static_cast<std::size_t>(end - digits);
+    std::size_t length = width < 5 ? 5 - width : 0;
+    std::memset(text, ' ', length);
+    std::memcpy(text + length, digits, width);
+    length += width;
+    std::memcpy(text + length, "  -  ", 5);
+    length += 5;
+    const std::size_t label_length = strnlen(label, std::min(label_size, sizeof text - length));
+    std::memcpy(text + length, label, label_length);
+    return QString::fromUtf8(text, static_cast<int>(length + label_length));
+}
+
 } // namespace
 
 QString channel_item_prefix(int channel)
 {
-    return QString::asprintf("%5d  -  ", channel);
+    return item_text(channel, "", 0);
 }
 
 QStringList channel_items()
 {
-    QStringList items{QStringLiteral("Select A Channel")};
-    for (int n = 0; n < Sys_attr->channel_count; ++n) {
+    const int count = Sys_attr->channel_count;
+    QStringList items;
+    items.reserve(count + 1);
+    items.append(QStringLiteral("Select A Channel"));
+    for (int n = 0; n < count; ++n) {
         if (Ai_real[n].active == 1)
-            items.append(channel_item_prefix(n) + record_text(Ai_real[n].label));
+            items.append(item_text(n, Ai_real[n].label, sizeof Ai_real[n].label));
     }
     return items;
 }

@@ -48,6 +48,9 @@ public:
     // Sets the session up: 1, or 0 when start-up failed.
     int init();
 
+    // Fills the list of channels, with its signals blocked.
+    void fill_channel_list();
+
     // Captions, styles and values of the point rows.
     void create_rows();
     void hide_rows();
@@ -130,7 +133,7 @@ private:
     void set_start_state();
 
     // Channel selection.
-    void fill_channel_list();
+
     void no_channel_chosen();
     bool may_leave_channel();
     void recount_captured_rows();

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QtTest>
+
+#include <cstdio>
+#include <memory>
+
+#include "host/operations.h"
+#include "logreader.h"
+
+namespace
+{
+
+using File = std::unique_ptr<FILE, int (*)(FILE *)>;
+
+File file_of(const QByteArray &content)
+{
+    File file(tmpfile(), fclose);
+    fwrite(content.constData(), 1, static_cast<std::size_t>(content.size()), file.get());
+    rewind(file.get());
+    return file;
+}
+
+} // namespace
+
+class Lines : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { clear_log(); }
+    void next_line_data();
+    void next_line();
+    void next_line_at_the_end_leaves_the_line_alone();
+    void line_behind_the_keyword_data();
+    void line_behind_the_keyword();
+    void search_goes_on_from_the_beginning();
+    void the_next_occurrence_comes_first();
+    void keyword_with_nothing_behind_it_data();
+    void keyword_with_nothing_behind_it();
+    void absent_keyword_changes_nothing_data();
+    void absent_keyword_changes_nothing();
+    void long_lines_are_cut_and_logged_data();
+    void long_lines_are_cut_and_logged();
+    void passed_over_lines_are_not_logged();
+    void zero_bytes_in_a_line();
+    void a_specs_file_reads_in_order();
+};
+
+void Lines::next_line_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("line feed") << QByteArray("a b\nc") << QByteArray("a b");
+    QTest::newRow("carriage return and line feed") << QByteArray("a\r\nc") << QByteArray("a");
+    QTest::newRow("no line feed at the end") << QByteArray("last") << QByteArray("last");
+    QTest::newRow("empty line") << QByteArray("\nc") << QByteArray("");
+    QTest::newRow("empty line of two bytes") << QByteArray("\r\nc") << QByteArray("");
+    QTest::newRow("carriage return within") << QByteArray("a\rb\n") << QByteArray("a\rb");
+    QTest::newRow("one carriage return goes, not two")
+        << QByteArray("a\r\r\n") << QByteArray("a\r");
+    QTest::newRow("carriage return without line feed") << QByteArray("a\r") << QByteArray("a\r");
+    QTest::newRow("blanks stay") << QByteArray("  a \t\n") << QByteArray("  a \t");
+}
+
+void Lines::next_line()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, line);
+    const File file = file_of(content);
+    char buffer[LINE_BUFFER] = "before";
+    QCOMPARE(get_next_line(file.get(), buffer), 0);
+    QCOMPARE(QByteArray(buffer), line);
+}
+
+void Lines::next_line_at_the_end_leaves_the_line_alone()
+{
+    const File file = file_of("only\n");
+    char buffer[LINE_BUFFER] = "";
+    QCOMPARE(get_next_line(file.get(), buffer), 0);
+    QCOMPARE(get_next_line(file.get(), buffer), -1);
+    QCOMPARE(buffer, "only");
+    QCOMPARE(get_next_line(nullptr, buffer), -1);
+}
+
+void Lines::line_behind_the_keyword_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("first line") << QByteArray("@KEY\nvalue\n");
+    QTest::newRow("behind others") << QByteArray("@OTHER\n1\n@KEY\nvalue\n@NEXT\n2\n");
+    QTest::newRow("no line feed at the end") << QByteArray("@KEY\nvalue");
+    QTest::newRow("carriage returns") << QByteArray("@OTHER\r\n1\r\n@KEY\r\nvalue\r\n");
+    QTest::newRow("the whole line counts, not its beginning")
+        << QByteArray("@KEY2\n1\n@KEY\nvalue\n");
+    QTest::newRow("not part of a line") << QByteArray("x @KEY\n1\n@KEY\nvalue\n");
+    QTest::newRow("not with blanks behind it") << QByteArray("@KEY \n1\n@KEY\nvalue\n");
+    QTest::newRow("not in other case") << QByteArray("@key\n1\n@KEY\nvalue\n");
+    QTest::newRow("not before a zero byte") << QByteArray("@KEY\0x\n1\n@KEY\nvalue\n", 21);
+    QTest::newRow("behind a very long line")
+        << QByteArray("@KEY") + QByteArray(5000, 'x') + "\n1\n@KEY\nvalue\n";
+}
+
+void Lines::line_behind_the_keyword()
+{
+    QFETCH(QByteArray, content);
+    const File file = file_of(content);
+    char buffer[LINE_BUFFER] = "before";
+    QCOMPARE(get_1st_line(file.get(), buffer, "@KEY"), 0);
+    QCOMPARE(buffer, "value");
+}
+
+void Lines::search_goes_on_from_the_beginning()
+{
+    const File file = file_of("@A\n1\n@B\n2\n@C\n3\n");
+    char buffer[LINE_BUFFER] = "";
+    QCOMPARE(get_1st_line(file.get(), buffer, "@C"), 0);
+    QCOMPARE(buffer, "3");
+    QCOMPARE(get_1st_line(file.get(), buffer, "@A"), 0);
+    QCOMPARE(buffer, "1");
+    // From within a line too, the keyword's own among them.
+    QCOMPARE(fseek(file.get(), 7, SEEK_SET), 0);
+    QCOMPARE(get_1st_line(file.get(), buffer, "@B"), 0);
+    QCOMPARE(buffer, "2");
+}
+
+void Lines::the_next_occurrence_comes_first()
+{
+    const File file = file_of("@A\n1\n@B\n2\n@A\n3\n");
+    char buffer[LINE_BUFFER] = "";
+    QCOMPARE(get_1st_line(file.get(), buffer, "@B"), 0);
+    QCOMPARE(get_1st_line(file.get(), buffer, "@A"), 0);
+    QCOMPARE(buffer, "3");
+}
+
+void Lines::keyword_with_nothing_behind_it_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("line feed") << QByteArray("@A\n1\n@KEY\n");
+    QTest::newRow("no line feed") << QByteArray("@A\n1\n@KEY");
+    QTest::newRow("nothing else") << QByteArray("@KEY\r\n");
+}
+
+void Lines::keyword_with_nothing_behind_it()
+{
+    QFETCH(QByteArray, content);
+    const File file = file_of(content);
+    char buffer[LINE_BUFFER] = "before";
+    QCOMPARE(get_1st_line(file.get(), buffer, "@KEY"), -1);
+    QCOMPARE(buffer, "@KEY");
+    QCOMPARE(get_next_line(file.get(), buffer), -1);
+}
+
+void Lines::absent_keyword_changes_nothing_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("position");
+    QTest::newRow("empty file") << QByteArray() << 0;
+    QTest::newRow("at the beginning") << QByteArray("@A\n1\n") << 0;
+    QTest::newRow("in the middle") << QByteArray("@A\n1\n@B\n2\n") << 5;
+    QTest::newRow("at the end") << QByteArray("@A\n1\n") << 5;
+}
+
+void Lines::absent_keyword_changes_nothing()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, position);
+    const File file = file_of(content);
+    QCOMPARE(fseek(file.get(), position, SEEK_SET), 0);
+    char buffer[LINE_BUFFER] = "before";
+    QCOMPARE(get_1st_line(file.get(), buffer, "@KEY"), -51);
+    QCOMPARE(buffer, "before");
+    QCOMPARE(ftell(file.get()), static_cast<long>(position));
+    QCOMPARE(get_1st_line(nullptr, buffer, "@KEY"), -51);
+    QCOMPARE(get_1st_line(file.get(), buffer, nullptr), -51);
+}
+
+void Lines::long_lines_are_cut_and_logged_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("kept");
+    QTest::newRow("just fits") << QByteArray(1023, 'x') << 1023;
+    QTest::newRow("one byte too long") << QByteArray(1024, 'x') << 1023;
+    QTest::newRow("far too long") << QByteArray(100000, 'x') << 1023;
+    QTest::newRow("cut within two bytes") << QByteArray(1022, 'x') + "°" << 1022;
+    QTest::newRow("cut within three bytes") << QByteArray(1021, 'x') + "€" << 1021;
+    QTest::newRow("cut between characters") << QByteArray("°").repeated(600) << 1022;
+}
+
+void Lines::long_lines_are_cut_and_logged()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(int, kept);
+    for (const char *end : {"\n", "\r\n"}) {
+        clear_log();
+        const File file = file_of("@KEY\n" + line + end + "next\n");
+        char buffer[LINE_BUFFER];
+        QCOMPARE(get_1st_line(file.get(), buffer, "@KEY"), 0);
+        QCOMPARE(QByteArray(buffer), line.left(kept));
+        const QList<hostsim::LogEntry> entries = log_entries();
+        QCOMPARE(entries.size(), kept < line.size() ? 1 : 0);
+        if (!entries.isEmpty())
+            QCOMPARE(entries[0].code, static_cast<int>(hostsim::LOG_LINE_CUT));
+        QCOMPARE(get_next_line(file.get(), buffer), 0);
+        QCOMPARE(buffer, "next");
+    }
+}
+
+void Lines::passed_over_lines_are_not_logged()
+{
+    const File file = file_of(QByteArray(5000, 'x') + "\n@KEY\nvalue\n");
+    char buffer[LINE_BUFFER];
+    QCOMPARE(get_1st_line(file.get(), buffer, "@KEY"), 0);
+    QVERIFY(log_lines().isEmpty());
+}
+
+void Lines::zero_bytes_in_a_line()
+{
+    const File file = file_of(QByteArray("ab\0cd\nnext\n", 11));
+    char buffer[LINE_BUFFER];
+    QCOMPARE(get_next_line(file.get(), buffer), 0);
+    QCOMPARE(buffer, "ab");
+    QCOMPARE(get_next_line(file.get(), buffer), 0);
+    QCOMPARE(buffer, "next");
+    QCOMPARE(get_next_line(file.get(), buffer), -1);
+}
+
+void Lines::a_specs_file_reads_in_order()
+{
+    const File file = file_of("@ROOM_TEMP_KEYWORD\nROOM_TEMP\n@BAROMETER_KEYWORD\n\n"
+                              "@HUMIDITY_KEYWORD\nHUMIDITY\n@REPORT_EMAIL_LIST_KEYWORD\n"
+                              "one@cell\ntwo@cell\n");
+    char line[LINE_BUFFER];
+    QCOMPARE(get_1st_line(file.get(), line, "@ROOM_TEMP_KEYWORD"), 0);
+    QCOMPARE(line, "ROOM_TEMP");
+    QCOMPARE(get_1st_line(file.get(), line, "@BAROMETER_KEYWORD"), 0);
+    QCOMPARE(line, "");
+    QCOMPARE(get_1st_line(file.get(), line, "@HUMIDITY_KEYWORD"), 0);
+    QCOMPARE(line, "HUMIDITY");
+    QCOMPARE(get_1st_line(file.get(), line, "@REPORT_EMAIL_LIST_KEYWORD"), 0);
+    QCOMPARE(line, "one@cell");
+    QCOMPARE(get_next_line(file.get(), line), 0);
+    QCOMPARE(line, "two@cell");
+    QCOMPARE(get_next_line(file.get(), line), -1);
+}
+
+QTEST_APPLESS_MAIN(Lines)
+#include "test_lines.moc"

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QLibrary>
+#include <QtTest>
+
+// The library is the host's: taken as the program takes it, by its file.
+class Display : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup();
+    void no_display_data();
+    void no_display();
+    void the_programs_name_plays_no_part();
+
+private:
+    using Operation = bool (*)(QString);
+    Operation m_is_empty = nullptr;
+};
+
+namespace
+{
+
+// A null text takes the variable away.
+void set_variable(const char *name, const QByteArray &value)
+{
+    if (value.isNull())
+        qunsetenv(name);
+    else
+        qputenv(name, value);
+}
+
+} // namespace
+
+void Display::initTestCase()
+{
+    QLibrary library(QStringLiteral(PROJECT_BINARY_DIR "/lib/libvornaxqt.so"));
+    QVERIFY2(library.load(), qPrintable(library.errorString()));
+    m_is_empty =
+        reinterpret_cast<Operation>(library.resolve("_Z24is_display_env_var_empty7QString"));
+    QVERIFY(m_is_empty != nullptr);
+}
+
+void Display::cleanup()
+{
+    set_variable("DISPLAY", QByteArray());
+    set_variable("WAYLAND_DISPLAY", QByteArray());
+    set_variable("QT_QPA_PLATFORM", QByteArray());
+}
+
+void Display::no_display_data()
+{
+    QTest::addColumn<QByteArray>("display");
+    QTest::addColumn<QByteArray>("wayland");
+    QTest::addColumn<QByteArray>("platform");
+    QTest::addColumn<bool>("empty");
+    const QByteArray unset;
+    const QByteArray blank("");
+    QTest::newRow("nothing set") << unset << unset << unset << true;
+    QTest::newRow("all set to nothing") << blank << blank << blank << true;
+    QTest::newRow("X display") << QByteArray(":0") << unset << unset << false;
+    QTest::newRow("Wayland display") << unset << QByteArray("wayland-0") << unset << false;
+    QTest::newRow("X display, Wayland set to nothing")
+        << QByteArray(":1") << blank << unset << false;
+    for (const char *name : {"offscreen", "minimal", "vnc", "linuxfb", "eglfs"})
+        QTest::addRow("platform %s", name) << unset << unset << QByteArray(name) << false;
+    QTest::newRow("platform with options")
+        << unset << unset << QByteArray("vnc:size=1216x788:port=5901") << false;
+    QTest::newRow("second of two platforms")
+        << unset << unset << QByteArray("xcb;offscreen") << false;
+    QTest::newRow("platform xcb") << unset << unset << QByteArray("xcb") << true;
+    QTest::newRow("platform wayland") << unset << unset << QByteArray("wayland;xcb") << true;
+    QTest::newRow("a name that only begins so") << unset << unset << QByteArray("vncx") << true;
+    QTest::newRow("options that name one") << unset << unset << QByteArray("xcb:offscreen") << true;
+    QTest::newRow("platform xcb with its display")
+        << QByteArray(":0") << unset << QByteArray("xcb") << false;
+}
+
+void Display::no_display()
+{
+    QFETCH(QByteArray, display);
+    QFETCH(QByteArray, wayland);
+    QFETCH(QByteArray, platform);
+    QFETCH(bool, empty);
+    set_variable("DISPLAY", display);
+    set_variable("WAYLAND_DISPLAY", wayland);
+    set_variable("QT_QPA_PLATFORM", platform);
+    QCOMPARE(m_is_empty(QStringLiteral("zerl_util")), empty);
+}
+
+void Display::the_programs_name_plays_no_part()
+{
+    cleanup();
+    QVERIFY(m_is_empty(QString()));
+    QVERIFY(m_is_empty(QStringLiteral("/some/where/zerl_util")));
+    qputenv("DISPLAY", ":0");
+    QVERIFY(!m_is_empty(QString()));
+}
+
+QTEST_APPLESS_MAIN(Display)
+#include "test_vornaxqt.moc"
