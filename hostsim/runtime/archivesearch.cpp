@@ -12,7 +12,7 @@ namespace hostsim
 namespace
 {
 
-constexpr std::size_t FIRST_WINDOW = 16 * 1024;
+constexpr std::size_t FIRST_WINDOW = 8 * 1024;
 constexpr std::size_t LARGEST_WINDOW = 4 * MAX_BLOCK;
 
 } // namespace

@@ -132,13 +132,27 @@ bool set_integer_field(TABLE_RECORD *record, const Field &field, std::int64_t va
     return false;
 }
 
+namespace
+{
+
+// A point table carries the number of its points here, which may be more than
+// the coefficients that a range holds: its loader has always put it there.
+int coeff_limit(const TABLE_RECORD &record, int r)
+{
+    const bool point_table =
+        record.table_type == TABLE_INTERP || record.table_type == TABLE_TYPE_UNKNOWN;
+    return point_table && r == 0 ? TABLE_POINTS : POLY_COEFFS;
+}
+
+} // namespace
+
 RecordFault record_fault(const TABLE_RECORD &record, bool archived)
 {
     for (int r = 0; r < POLY_RANGES; ++r) {
         const POLY_RANGE_RECORD &range = record.poly[r];
-        if (range.num_coeffs < 0 || range.num_coeffs > POLY_COEFFS) {
+        if (range.num_coeffs < 0 || range.num_coeffs > coeff_limit(record, r)) {
             const std::string field = range_field(r, "num_coeffs");
-            return {field, outside(field, range.num_coeffs, POLY_COEFFS)};
+            return {field, outside(field, range.num_coeffs, coeff_limit(record, r))};
         }
         if (range.num_points < 0 || range.num_points > TABLE_POINTS) {
             const std::string field = range_field(r, "num_points");
@@ -164,7 +178,8 @@ std::string mend_record(TABLE_RECORD *record)
     std::string changes;
     for (int r = 0; r < POLY_RANGES; ++r) {
         POLY_RANGE_RECORD &range = record->poly[r];
-        clamp_count(&range.num_coeffs, POLY_COEFFS, range_field(r, "num_coeffs"), &changes);
+        clamp_count(&range.num_coeffs, coeff_limit(*record, r), range_field(r, "num_coeffs"),
+                    &changes);
         clamp_count(&range.num_points, TABLE_POINTS, range_field(r, "num_points"), &changes);
     }
     clamp_count(&record->poly_range_index, POLY_RANGES - 1, "poly_range_index", &changes);
