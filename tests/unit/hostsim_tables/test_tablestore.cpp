@@ -305,7 +305,7 @@ void TestTableStore::counts_and_texts_are_brought_within_limits()
     QCOMPARE(create_table(TBL, &record), 0);
     QCOMPARE(log.texts(),
              QStringList(QString(TBL) + ": stored within limits: poly 0 num_coeffs is -3, outside "
-                                        "0 to 18; poly 0 num_points is 100, outside 0 to 64; "
+                                        "0 to 64; poly 0 num_points is 100, outside 0 to 64; "
                                         "poly_range_index is 9, outside 0 to 7; qie is not "
                                         "terminated"));
     TABLE_RECORD expected = record;
