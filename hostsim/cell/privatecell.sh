@@ -1,0 +1,412 @@
+#!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
+#
+# Gives a command its own view of the host's folders /cell, /specs, /ram and
+# /vornax, with a private /dev/shm and /tmp, so that runs side by side cannot
+# meet and nothing of a machine that really is a test cell can be touched.
+#
+# With bubblewrap the command lives in name spaces of its own and all of it is
+# gone when it ends. Where name spaces are refused, and none of the four
+# folders exists, and the user may create them, the places themselves are used,
+# one run at a time, and removed afterwards.
+set -u
+
+CANNOT_RUN=125
+self=$(readlink -f -- "$0")
+bin=$(dirname -- "$self")
+build=$(dirname -- "$bin")
+source_folder='@PROJECT_SOURCE_DIR@'
+cells=$build/share/zerl_util/cells
+lock_file=/tmp/.privatecell.lock
+
+usage() {
+    cat <<'TEXT'
+usage: privatecell [options] [--] COMMAND [ARGS...]
+  --cell FOLDER     keep the cell's folders in FOLDER between runs
+  --describe WHAT   description of the cell: one that ships, by its name, a
+                    file, or a folder with a cell.txt (default: training); used
+                    when the cell is first made
+  --no-cell         empty folders, nothing is started
+  --start           start the training cell before the command, stop it after
+  --panel           show the training cell's panel as well (means --start)
+  --touch           the cell has a touch screen (/cell/vornax_ts.ini)
+  --writable DIR    DIR may be written; may be given more than once
+  --help            this text
+Everything but the cell's folders, /tmp and the --writable folders is read-only.
+The status is the command's; 125 when the view cannot be made.
+TEXT
+}
+
+say() { printf 'privatecell: %s\n' "$*" >&2; }
+refuse() {
+    say "$@"
+    exit "$CANNOT_RUN"
+}
+
+# ---- Inside the view ---------------------------------------------------------
+
+# Makes the cell's folders, once; $1: folder with cell.txt and, perhaps, folders
+# cell and specs with what stands in /cell and /specs from the beginning.
+prepare_cell() {
+    mkdir -p /cell/tables/reports /specs/working_standards /ram || return 1
+    if [ ! -e /cell/cell.txt ]; then
+        for place in cell specs; do
+            [ -d "$1/$place" ] || continue
+            cp -R -- "$1/$place/." "/$place/" && chmod -R u+w "/$place" || return 1
+        done
+        cp -- "$1/cell.txt" /cell/cell.txt.new && chmod u+w /cell/cell.txt.new &&
+            mv /cell/cell.txt.new /cell/cell.txt || return 1
+    fi
+}
+
+set_touch_marker() {
+    if [ "$touch_screen" = 1 ]; then
+        : >/cell/vornax_ts.ini
+    else
+        rm -f /cell/vornax_ts.ini
+    fi
+}
+
+# Starts the cell and returns when it is ready; sets cell_pid.
+start_cell() {
+    ready=$(mktemp -d "${TMPDIR:-/tmp}/privatecell.XXXXXX") && mkfifo "$ready/fifo" || return 1
+    "$bin/trainingcell" --ready-fd 3 3>"$ready/fifo" 9>&- &
+    cell_pid=$!
+    answer=$(timeout 60 head -c 1 <"$ready/fifo")
+    rm -rf "$ready"
+    [ -n "$answer" ] && return 0
+    kill "$cell_pid" 2>/dev/null
+    wait "$cell_pid"
+    cell_pid=
+    say "the training cell did not start"
+    return 1
+}
+
+stop_cell() {
+    [ -n "$panel_pid" ] && kill "$panel_pid" 2>/dev/null && wait "$panel_pid" 2>/dev/null
+    panel_pid=
+    [ -n "$cell_pid" ] || return 0
+    kill "$cell_pid" 2>/dev/null
+    wait "$cell_pid" || say "the training cell ended with status $?"
+    cell_pid=
+    for name in /dev/shm/vornax.*; do
+        [ -e "$name" ] && say "shared memory left behind: $name"
+    done
+    return 0
+}
+
+# Runs the command to its end, passing signals on; its status is in $status.
+# A terminal has already told the whole group of an interrupt.
+run_command() {
+    exec 4<&0
+    env --default-signal=INT,QUIT "$@" <&4 4<&- 9>&- &
+    command_pid=$!
+    trap '[ -t 4 ] || kill -INT "$command_pid" 2>/dev/null' INT
+    trap 'kill -TERM "$command_pid" 2>/dev/null' TERM
+    trap 'kill -HUP "$command_pid" 2>/dev/null' HUP
+    while :; do
+        wait "$command_pid" 2>/dev/null # the shell's own word on a signal
+        status=$?
+        kill -0 "$command_pid" 2>/dev/null || break
+    done
+}
+
+# Everything that happens in the view; $1: folder of the description.
+inside() {
+    description=$1
+    shift
+    cell_pid=
+    panel_pid=
+    status=$CANNOT_RUN
+    if [ "$with_cell" = 1 ]; then
+        prepare_cell "$description" || refuse "the cell's folders cannot be made"
+    fi
+    set_touch_marker
+    if [ "$start" = 1 ]; then
+        start_cell || return "$CANNOT_RUN"
+        if [ "$panel" = 1 ]; then
+            "$bin/cellpanel" 9>&- &
+            panel_pid=$!
+        fi
+    elif [ "$with_cell" = 1 ]; then
+        "$bin/trainingcell" --init-only || refuse "the cell's tables cannot be made"
+    fi
+    run_command "$@"
+    stop_cell
+    return "$status"
+}
+
+# ---- Outside: a view by name spaces ------------------------------------------
+
+# Adds to the arguments of bubblewrap, each quoted so that any path comes whole
+# through eval.
+view=
+add() {
+    for word in "$@"; do
+        case $word in
+        *\'*) word=$(printf '%s' "$word" | sed "s/'/'\\\\''/g") ;;
+        esac
+        view="$view'$word' "
+    done
+}
+
+# The private /tmp hides what stands in the real one; these are needed again.
+keep_from_tmp() {
+    for path in "$@"; do
+        case $path in
+        /tmp/*) [ -e "$path" ] && add --ro-bind "$path" "$path" ;;
+        esac
+    done
+}
+
+bind_root() {
+    for entry in /* /.[!.]*; do
+        case $entry in
+        /cell | /specs | /ram | /vornax | /proc | /dev | /tmp) continue ;;
+        esac
+        if [ -L "$entry" ]; then
+            add --symlink "$(readlink -- "$entry")" "$entry"
+        elif [ -e "$entry" ]; then
+            add --ro-bind-try "$entry" "$entry"
+        fi
+    done
+    add --dev-bind /dev /dev --perms 1777 --tmpfs /dev/shm --perms 1777 --tmpfs /tmp
+}
+
+# The display's socket alone, so that a server started inside finds room.
+bind_display() {
+    add --perms 1777 --dir /tmp/.X11-unix
+    number=${DISPLAY:-}
+    number=${number#unix}
+    case $number in
+    :*)
+        number=${number#:}
+        socket=/tmp/.X11-unix/X${number%%.*}
+        [ -S "$socket" ] && add --ro-bind "$socket" "$socket"
+        ;;
+    esac
+    keep_from_tmp "${XAUTHORITY:-}"
+}
+
+bind_cell() {
+    for place in cell specs ram; do
+        if [ -n "$folder" ]; then
+            mkdir -p -- "$folder/$place" || refuse "$folder/$place cannot be made"
+            add --bind "$folder/$place" "/$place"
+        else
+            add --perms 0755 --tmpfs "/$place"
+        fi
+    done
+    add --perms 0755 --tmpfs /vornax --dir /vornax/bin
+    add --symlink "$bin/bld_tables" /vornax/bin/bld_tables
+    if [ "$with_cell" = 1 ]; then
+        add --ro-bind "$description_file" /vornax/description/cell.txt
+        for place in cell specs; do
+            [ -d "$description_home/$place" ] || continue
+            add --ro-bind "$description_home/$place" "/vornax/description/$place"
+        done
+    fi
+}
+
+# The name spaces that can be had: with process ids of its own where /proc can
+# be mounted anew, else without.
+find_namespaces() {
+    command -v bwrap >/dev/null 2>&1 || return 1
+    for spaces in "--unshare-pid --proc /proc" "--dev-bind /proc /proc"; do
+        # shellcheck disable=SC2086 # words on purpose
+        bwrap --ro-bind / / $spaces --die-with-parent true 2>/dev/null && return 0
+    done
+    return 1
+}
+
+run_in_namespaces() {
+    writable=$view
+    view=
+    bind_root
+    add --setenv ZERL_PRIVATE_CELL 1 --unsetenv TMPDIR --die-with-parent
+    bind_display
+    keep_from_tmp "$build" "$source_folder" "$PWD" "$(command -v -- "$1" || :)"
+    bind_cell
+    for path in ${ZERL_WRITABLE:+"$ZERL_WRITABLE"}; do
+        add --bind "$path" "$path"
+    done
+    view="$view$writable--remount-ro / "
+    [ -d "$PWD" ] && case $PWD in
+    /tmp | /cell* | /specs* | /ram* | /vornax*) ;;
+    *) add --chdir "$PWD" ;;
+    esac
+    # An interrupt is for what runs inside; it tidies up and then all ends.
+    [ "$start" = 1 ] && trap '' INT
+    # shellcheck disable=SC2086 # words on purpose
+    eval "set -- $spaces $view -- env --default-signal=INT \"\$self\" --inside \
+        $start $panel $touch_screen $with_cell /vornax/description -- \"\$@\""
+    exec bwrap "$@"
+}
+
+# ---- Outside: the places themselves ------------------------------------------
+
+remove_places() {
+    for place in /cell /specs /ram; do
+        if [ -L "$place" ]; then
+            rm -f "$place"
+        else
+            rm -rf "$place"
+        fi
+    done
+    rm -f /dev/shm/vornax.*
+    rm -rf /vornax
+}
+
+# Takes the lock, clears what a killed run left, and tells whether none of the
+# four places is anyone else's and all can be made.
+take_places() {
+    [ -w / ] || return 1
+    command -v flock >/dev/null 2>&1 || return 1
+    exec 9>"$lock_file" || return 1
+    flock 9
+    [ -e /vornax/.privatecell ] && remove_places
+    for place in /cell /specs /ram /vornax; do
+        [ -e "$place" ] || [ -L "$place" ] && return 1
+    done
+    mkdir /vornax 2>/dev/null && : >/vornax/.privatecell
+}
+
+copy_description() {
+    cp -- "$description_file" "$1/cell.txt"
+    for place in cell specs; do
+        [ -d "$description_home/$place" ] || continue
+        cp -R -- "$description_home/$place" "$1/$place"
+    done
+}
+
+run_in_places() {
+    trap remove_places EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM HUP
+    mkdir -p /vornax/bin /vornax/description
+    ln -s "$bin/bld_tables" /vornax/bin/bld_tables
+    if [ "$with_cell" = 1 ]; then
+        copy_description /vornax/description
+    fi
+    for place in cell specs ram; do
+        if [ -n "$folder" ]; then
+            mkdir -p -- "$folder/$place" && ln -s "$folder/$place" "/$place"
+        else
+            mkdir "/$place"
+        fi || refuse "/$place cannot be made"
+    done
+    ZERL_PRIVATE_CELL=1
+    export ZERL_PRIVATE_CELL
+    inside /vornax/description "$@"
+    exit $?
+}
+
+explain_refusal() {
+    say "a private view of /cell, /specs, /ram and /vornax cannot be made here."
+    if ! command -v bwrap >/dev/null 2>&1; then
+        say "bubblewrap is missing; type:  sudo apt-get install bubblewrap"
+    elif [ "$(cat /proc/sys/kernel/unprivileged_userns_clone 2>/dev/null)" = 0 ]; then
+        say "name spaces are refused; type:  sudo sysctl kernel.unprivileged_userns_clone=1"
+    elif [ "$(cat /proc/sys/kernel/apparmor_restrict_unprivileged_userns 2>/dev/null)" = 1 ]; then
+        say "name spaces are refused; type:" \
+            " sudo sysctl kernel.apparmor_restrict_unprivileged_userns=0"
+    elif [ "$(cat /proc/sys/user/max_user_namespaces 2>/dev/null)" = 0 ]; then
+        say "name spaces are refused; type:  sudo sysctl user.max_user_namespaces=10000"
+    else
+        say "name spaces are refused, as they are in some containers; start the" \
+            "container with --privileged, or with --security-opt seccomp=unconfined"
+    fi
+    for place in /cell /specs /ram /vornax; do
+        [ -e "$place" ] && say "and $place exists, so the places themselves are not touched."
+    done
+    [ -w / ] || say "and the places themselves can only be made by root."
+    exit "$CANNOT_RUN"
+}
+
+# ---- Command line ------------------------------------------------------------
+
+if [ "${1:-}" = --inside ]; then
+    start=$2 panel=$3 touch_screen=$4 with_cell=$5 description_folder=$6
+    shift 7
+    if [ "$start" = 0 ] && [ "$with_cell" = 0 ]; then
+        set_touch_marker
+        exec "$@"
+    fi
+    inside "$description_folder" "$@"
+    exit $?
+fi
+
+folder=
+describe=training
+start=0 panel=0 touch_screen=0 with_cell=1
+
+absolute() { readlink -m -- "$1"; }
+
+while [ $# -gt 0 ]; do
+    case $1 in
+    --cell | --describe | --writable)
+        [ $# -ge 2 ] || refuse "$1 needs a value"
+        case $1 in
+        --cell) folder=$(absolute "$2") ;;
+        --describe) describe=$2 ;;
+        --writable)
+            [ -d "$2" ] || refuse "no such folder: $2"
+            path=$(absolute "$2")
+            add --bind "$path" "$path"
+            ;;
+        esac
+        shift
+        ;;
+    --no-cell) with_cell=0 ;;
+    --start) start=1 ;;
+    --panel) start=1 panel=1 ;;
+    --touch) touch_screen=1 ;;
+    --help)
+        usage
+        exit 0
+        ;;
+    --)
+        shift
+        break
+        ;;
+    -*)
+        usage >&2
+        refuse "unknown option: $1"
+        ;;
+    *) break ;;
+    esac
+    shift
+done
+if [ $# -eq 0 ]; then
+    usage >&2
+    refuse "no command was given"
+fi
+[ "$with_cell$start" = 01 ] && refuse "--no-cell and --start exclude each other"
+
+description_file=
+description_home= # holds the description's other files; a lone file has none
+if [ "$with_cell" = 1 ]; then
+    if [ -f "$describe" ]; then
+        description_file=$(absolute "$describe")
+    elif [ -f "$describe/cell.txt" ]; then
+        description_home=$(absolute "$describe")
+    elif [ -f "$cells/$describe/cell.txt" ]; then
+        description_home=$cells/$describe
+    else
+        refuse "no description of a cell: $describe"
+    fi
+    [ -z "$description_home" ] || description_file=$description_home/cell.txt
+fi
+
+if [ "${ZERL_PRIVATE_CELL:-}" = 1 ]; then
+    mkdir -p "/tmp/privatecell.$$" && description=/tmp/privatecell.$$
+    if [ "$with_cell" = 1 ]; then
+        copy_description "$description"
+    fi
+    trap 'rm -rf "$description"' EXIT
+    inside "$description" "$@"
+    exit $?
+fi
+find_namespaces && run_in_namespaces "$@"
+take_places && run_in_places "$@"
+explain_refusal
