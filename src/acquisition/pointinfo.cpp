@@ -17,14 +17,17 @@
 #include "ui_mainwindow.h"
 #include "ui_pointinfo.h"
 
-PointInfo::PointInfo(MainWindow *window, int32_t row_index, QWidget *parent)
+PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
-      previous_state(POINT_AS_IN_TABLE), main(window), index(row_index), ui(new Ui::PointInfo)
+      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index), ui(new Ui::PointInfo)
 {
     ui->setupUi(this);
     if (g_touch_input) {
         auto *validator = new QDoubleValidator(ui->txtCurrentValue);
-        validator->setLocale(QLocale::c()); // the field's text is read with a decimal point
+        // The field's text is read with a decimal point and nothing between thousands.
+        QLocale plain = QLocale::c();
+        plain.setNumberOptions(QLocale::RejectGroupSeparator);
+        validator->setLocale(plain);
         ui->txtCurrentValue->setValidator(validator);
         ui->txtCurrentValue->setProperty("keyboard", true);
         ui->txtCurrentValue->installEventFilter(this);

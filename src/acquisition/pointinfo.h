@@ -25,7 +25,7 @@ class PointInfo : public QWidget
     Q_OBJECT
 
 public:
-    PointInfo(MainWindow *main, int32_t index, QWidget *parent);
+    PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent);
     ~PointInfo() override;
 
     QLineEdit *value_field() const;

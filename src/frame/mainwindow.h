@@ -144,7 +144,7 @@ private:
     void give_up_channel();
 
     // Type controls.
-    void fill_degrees(int from_points);
+    void fill_degrees(int highest);
     void select_degree(int degree);
     void grow_point_count(ZERL_CFG *cfg, int old_count, int new_count);
     void shrink_point_count(ZERL_CFG *cfg, int new_count);

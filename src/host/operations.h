@@ -48,8 +48,8 @@ void *get_vrbl_adr(VARIABLE_ID id);
 /* ---- Small services ----------------------------------------------------- */
 
 /* One entry in the host's log. */
-void log_error(const char *source, int32_t line, int32_t severity, int32_t code,
-               const char *format, ...) __attribute__((format(printf, 5, 6)));
+void log_error(const char *source, int32_t line, int32_t severity, int32_t code, const char *format,
+               ...) __attribute__((format(printf, 5, 6)));
 
 /* Copies at most size - 1 bytes and a terminator, never half a UTF-8 character,
  * and reads at most size bytes of text; an overflow goes to the host's log. */

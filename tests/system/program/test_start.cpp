@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// How the program starts, and how it ends when it cannot.
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QtTest>
+
+#include "support/cellfiles.h"
+#include "support/hostlog.h"
+#include "support/testcell.h"
+#include "system/program/testprogram.h"
+
+namespace
+{
+const QString FATAL =
+    QStringLiteral("Information|Failure initializing shared memory for task - exiting");
+const QString MARKER = QStringLiteral("/cell/vornax_ts.ini");
+} // namespace
+
+class ProgramStart : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void no_host_tells_two_boxes_and_ends_with_0();
+    void missing_memory_is_named_data();
+    void missing_memory_is_named();
+    void units_that_cannot_be_read();
+    void no_display_ends_with_1_in_silence();
+    void refused_task_ends_with_1_and_no_window();
+    void other_answers_of_the_host_admit_the_task();
+    void comes_up_with_its_window();
+    void marker_turns_touch_input_on_data();
+    void marker_turns_touch_input_on();
+    void arguments_are_left_to_the_toolkit();
+};
+
+void ProgramStart::init()
+{
+    clear_cell();
+}
+
+void ProgramStart::no_host_tells_two_boxes_and_ends_with_0()
+{
+    const HostLog log;
+    TestProgram program;
+    QVERIFY(program.start());
+    QCOMPARE(program.next_box(),
+             QStringLiteral("Information|Vornax must be running\nUnable to get AI_REAL memory"));
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.next_box(), FATAL);
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.wait_for_end(), 0);
+    QVERIFY(!program.window_seen());
+    QVERIFY(published_memories().isEmpty());
+    bool logged = false;
+    for (const LoggedEntry &entry : log.entries()) {
+        if (entry.text == QLatin1String("Failure Initializing Shared Memory for zerl_util task")) {
+            QCOMPARE(entry.severity, 1);
+            QCOMPARE(entry.code & 0xffff, 0xffff);
+            logged = true;
+        }
+    }
+    QVERIFY(logged);
+}
+
+void ProgramStart::missing_memory_is_named_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QString>("text");
+    const QString head = QStringLiteral("Information|Vornax must be running\n");
+    QTest::newRow("AI_REAL") << 6 << head + QStringLiteral("Unable to get AI_REAL memory");
+    QTest::newRow("MILLIVOLTS") << 5 << head + QStringLiteral("Unable to get MILLIVOLTS memory");
+    QTest::newRow("System Attributes")
+        << 1 << head + QStringLiteral("Unable to get System Attributes memory");
+    QTest::newRow("AI_TRANSFER, without a to")
+        << 3 << head + QStringLiteral("Unable get AI_TRANSFER memory");
+    QTest::newRow("SCHEDULER") << 60 << head + QStringLiteral("Unable to get SCHEDULER memory");
+    QTest::newRow("DISPLAY_STRINGS")
+        << 31 << head + QStringLiteral("Unable to get DISPLAY_STRINGS memory");
+    QTest::newRow("CAL_TABLES") << 35 << head + QStringLiteral("Unable to get CAL_TABLES memory");
+}
+
+void ProgramStart::missing_memory_is_named()
+{
+    QFETCH(int, number);
+    QFETCH(QString, text);
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    QVERIFY(QFile::remove(QStringLiteral("/dev/shm/vornax.%1").arg(number)));
+    TestProgram program;
+    QVERIFY(program.start());
+    QCOMPARE(program.next_box(), text);
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.next_box(), FATAL);
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.wait_for_end(), 0);
+    QVERIFY(!program.window_seen());
+}
+
+void ProgramStart::units_that_cannot_be_read()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    const HostLog log;
+    TestProgram program;
+    program.set(QStringLiteral("UDUNITS2_XML_PATH"), QStringLiteral("/cell/no such file.xml"));
+    QVERIFY(program.start());
+    QCOMPARE(program.next_box(),
+             QStringLiteral("Information|Failure initializing units for task - exiting"));
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.wait_for_end(), 0);
+    QVERIFY(!program.window_seen());
+    // The comma is part of the text.
+    QCOMPARE(log.count(QStringLiteral("Failure Initializing Units for zerl task,")), 1);
+}
+
+void ProgramStart::no_display_ends_with_1_in_silence()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    program.without_hook();
+    program.unset(QStringLiteral("QT_QPA_PLATFORM"));
+    QVERIFY(program.start());
+    QCOMPARE(program.wait_for_end(), 1);
+    QCOMPARE(program.said(), QByteArray());
+    QCOMPARE(program.complaints(), QByteArray());
+}
+
+void ProgramStart::refused_task_ends_with_1_and_no_window()
+{
+    TestCell cell("join 5000\n" + TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    QVERIFY(program.start());
+    QCOMPARE(program.wait_for_end(), 1);
+    QVERIFY(!program.window_seen());
+    QCOMPARE(program.next_box(), QStringLiteral("no box")); // no message of the program's own
+}
+
+void ProgramStart::other_answers_of_the_host_admit_the_task()
+{
+    TestCell cell("join 5001\n" + TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    QVERIFY(program.start());
+    QVERIFY(program.wait_for_window());
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
+void ProgramStart::comes_up_with_its_window()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    QVERIFY(program.start());
+    QVERIFY(program.wait_for_window());
+    QCOMPARE(program.get(QStringLiteral("cboCurrentChannel"), QStringLiteral("currentText")),
+             QStringLiteral("Select A Channel"));
+    QCOMPARE(program.get(QStringLiteral("txtAveragingTime")), QStringLiteral("10"));
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
+void ProgramStart::marker_turns_touch_input_on_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("marked");
+    QTest::newRow("no marker: ordinary desktop") << "none"
+                                                 << "";
+    QTest::newRow("marker with content") << "content"
+                                         << "true";
+    QTest::newRow("marker present but empty") << "empty"
+                                              << "true";
+    QTest::newRow("marker present but unreadable") << "unreadable"
+                                                   << "true";
+}
+
+// Only its existence counts.
+void ProgramStart::marker_turns_touch_input_on()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, marked);
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    if (kind != QLatin1String("none"))
+        write_file(MARKER, kind == QLatin1String("content") ? "off\n" : "");
+    if (kind == QLatin1String("unreadable"))
+        QCOMPARE(chmod(MARKER.toLatin1().constData(), 0), 0);
+    TestProgram program;
+    QVERIFY(program.start());
+    QVERIFY(program.wait_for_window());
+    for (const char *field :
+         {"txtCalibrationQIE", "txtTechnicianName", "txtNumPoints", "txtAveragingTime"})
+        QCOMPARE(program.get(QLatin1String(field), QStringLiteral("keyboard")), marked);
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
+void ProgramStart::arguments_are_left_to_the_toolkit()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    QVERIFY(program.start({QStringLiteral("-style"), QStringLiteral("fusion"),
+                           QStringLiteral("--no-such-option"), QStringLiteral("file")}));
+    QVERIFY(program.wait_for_window());
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
+QTEST_GUILESS_MAIN(ProgramStart)
+#include "test_start.moc"
