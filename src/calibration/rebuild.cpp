@@ -20,7 +20,7 @@ namespace
 // The process is not waited for, not looked at and never deleted.
 void start_rebuild()
 {
-    static std::list<QProcess *> rebuilds;
+    static auto &rebuilds = *new std::list<QProcess *>; // lives as long as they do
     auto *process = new QProcess;
     rebuilds.push_back(process);
     process->start(QStringLiteral("/vornax/bin/bld_tables"), QStringList(), QIODevice::ReadWrite);

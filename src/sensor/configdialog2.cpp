@@ -74,7 +74,10 @@ void ConfigDialog2::set_up_touch_input()
         field->installEventFilter(this);
     }
     auto *const validator = new QDoubleValidator(this);
-    validator->setLocale(QLocale::c()); // the limits are written and read so
+    // The limits are written and read so.
+    QLocale plain = QLocale::c();
+    plain.setNumberOptions(QLocale::RejectGroupSeparator);
+    validator->setLocale(plain);
     ui->txtLowerRangeLimit->setValidator(validator);
     ui->txtUpperRangeLimit->setValidator(validator);
 }
