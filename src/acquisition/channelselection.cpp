@@ -3,6 +3,8 @@
 // The window's channel list: leaving a channel, binding another, giving one up.
 #include "frame/mainwindow.h"
 
+#include <memory>
+
 #include <QSignalBlocker>
 
 #include "acquisition/channelbinding.h"
@@ -15,6 +17,7 @@
 #include "frame/relaxed.h"
 #include "frame/styles.h"
 #include "frame/tablelock.h"
+#include "frame/termination.h"
 #include "sensor/configdialog2.h"
 #include "ui_mainwindow.h"
 
@@ -28,9 +31,12 @@ void MainWindow::fill_channel_list()
 
 void MainWindow::on_cboCurrentChannel_currentIndexChanged(const QString &text)
 {
-    TableLock lock(m_table_mutex);
-    ZERL_CFG local = *g_cfg;
-    lock.unlock();
+    // On the heap: a range that is refused over and over nests this slot.
+    const auto local = std::make_unique<ZERL_CFG>();
+    {
+        TableLock lock(m_table_mutex);
+        *local = *g_cfg;
+    }
     if (curves_removed) {
         setup_plot();
         curves_removed = false;
@@ -39,7 +45,7 @@ void MainWindow::on_cboCurrentChannel_currentIndexChanged(const QString &text)
     g_cal_type_changed = 1;
     ui->chk1065Verification->setChecked(false);
     const int16_t old_channel = g_cfg->channel;
-    if (!channel_of_item(text, &local.channel)) {
+    if (!channel_of_item(text, &local->channel)) {
         no_channel_chosen();
         return;
     }
@@ -50,7 +56,7 @@ void MainWindow::on_cboCurrentChannel_currentIndexChanged(const QString &text)
         }
         clear_next_step();
     }
-    bind_selected_channel(&local);
+    bind_selected_channel(local.get());
 }
 
 // The first pick of the list's first line after start-up or a give-up takes a
@@ -70,7 +76,8 @@ void MainWindow::no_channel_chosen()
     ask(this, QMessageBox::Information, QString(),
         QStringLiteral("Please select a valid channel number and name"), QMessageBox::Ok,
         QMessageBox::Ok);
-    revert_channel(g_cfg->channel);
+    if (!termination_requested())
+        revert_channel(g_cfg->channel);
 }
 
 // The first question that applies is the only one asked.
@@ -130,7 +137,7 @@ void MainWindow::bind_selected_channel(ZERL_CFG *local)
     ui->actionCal_Statistics_Chart->setEnabled(false);
     relaxed_store(g_monitor_enabled, static_cast<uint8_t>(0));
     *g_cfg = *local;
-    sync_type_controls(g_cfg);
+    sync_type_controls(local);
     lock.unlock();
     show_bound_channel();
     uint32_t reason = 0;
@@ -158,7 +165,10 @@ void MainWindow::repair_sensor_range(uint32_t reason)
 {
     TableLock lock(m_table_mutex);
     ConfigDialog2 dialog(this, true, reason);
-    if (dialog.exec() == QDialog::Accepted && dialog.reason_code == 0) {
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    if (termination_requested())
+        return;
+    if (accepted && dialog.reason_code == 0) {
         ui->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
         reset_process_view(this, true);
         return;

@@ -32,14 +32,16 @@ void alloc_fifo(FIFO_RECORD &fifo, uint32_t size)
     fifo.count = 0;
 }
 
-// One whole reading, mV; 0.0 for a channel that the host no longer publishes.
+// One whole reading, mV. A channel that the host no longer publishes keeps its
+// last one.
 double present_mv(int16_t channel)
 {
+    static double last = 0.0; // under the table mutex
     const MV_RECORD *readings = relaxed_load(Mv);
     const SYS_ATTR_RECORD *attributes = relaxed_load(Sys_attr);
-    if (channel < 0 || attributes == nullptr || channel >= relaxed_load(attributes->channel_count))
-        return 0.0;
-    return relaxed_load(readings[channel].mv);
+    if (attributes != nullptr && channel >= 0 && channel < relaxed_load(attributes->channel_count))
+        last = relaxed_load(readings[channel].mv);
+    return last;
 }
 
 double seconds_now()
@@ -152,7 +154,7 @@ void monitorThread::sample_pass()
     ZERL_CFG *cfg = g_cfg;
     uint16_t hint = 0;
     TableLock lock(m_table_mutex);
-    if (relaxed_load(g_monitor_enabled) == 0) {
+    if (acquire_load(g_monitor_enabled) == 0) {
         relaxed_store(g_monitor_enabled, static_cast<uint8_t>(1));
         relaxed_store(g_monitor_run, static_cast<uint16_t>(1));
         alloc_fifos();

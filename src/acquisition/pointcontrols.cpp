@@ -96,9 +96,10 @@ void MainWindow::on_txtAveragingTime_editingFinished()
         ask_question(this, QUESTION_AVERAGING_TIME);
         ui->txtAveragingTime->setText(QStringLiteral("10"));
     }
-    relaxed_store(g_monitor_enabled, static_cast<uint8_t>(0));
+    // The length first: a pass that finds the flag down reads it at once.
     relaxed_store(g_fifo_size, static_cast<uint32_t>(ui->txtAveragingTime->text().toLong() *
                                                      SAMPLES_PER_SECOND));
+    release_store(g_monitor_enabled, static_cast<uint8_t>(0));
 }
 
 // A field filled from the on-screen pad gets no return key.

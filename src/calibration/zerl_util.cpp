@@ -23,6 +23,7 @@ void take_table_into_work(ZERL_CFG *cfg)
     clear_unused_points(&cfg->long_current);
     cfg->plot_previous = cfg->plot_current;
     cfg->long_previous = cfg->long_current;
+    mua_instance_index = 0;
     cfg->table.worst_status = 0;
     load_tolerances_and_biases(cfg);
     g_num_points = cfg->long_current.num_points;

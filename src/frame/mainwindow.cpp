@@ -59,6 +59,8 @@ MainWindow::MainWindow(QWidget *parent)
 // The monitor thread and its mutex are not touched: they die with the process.
 MainWindow::~MainWindow()
 {
+    hide();          // a field that loses the focus still finds the window whole
+    delete_curves(); // one of them is always detached, so the plot owns them not
     delete ui;
 }
 

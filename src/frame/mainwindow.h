@@ -153,6 +153,7 @@ private:
     void choose_type_poly_range();
 
     // Plot.
+    void delete_curves();
     bool track_table(ZERL_CFG *cfg);
     void refit_polynomial(ZERL_CFG *cfg);
     bool track_reading(AXIS_RANGE *axis, double reading, bool redraw, int64_t *last);

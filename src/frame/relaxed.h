@@ -19,4 +19,18 @@ template <typename T> void relaxed_store(T &field, T value)
     __atomic_store(&field, &value, __ATOMIC_RELAXED);
 }
 
+// The same for a field that announces others: what was stored before the one is
+// seen by whoever has read the other.
+template <typename T> T acquire_load(const T &field)
+{
+    T value;
+    __atomic_load(&field, &value, __ATOMIC_ACQUIRE);
+    return value;
+}
+
+template <typename T> void release_store(T &field, T value)
+{
+    __atomic_store(&field, &value, __ATOMIC_RELEASE);
+}
+
 #endif

@@ -14,6 +14,7 @@ namespace
 {
 
 int write_end = -1;
+bool requested = false; // GUI thread only
 
 void note_termination(int)
 {
@@ -36,7 +37,13 @@ void install_termination_handler()
     auto *notifier = new QSocketNotifier(ends[0], QSocketNotifier::Read, qApp);
     QObject::connect(notifier, &QSocketNotifier::activated, qApp, [notifier] {
         notifier->setEnabled(false);
+        requested = true;
         QCoreApplication::exit(0);
     });
     signal(SIGTERM, note_termination);
+}
+
+bool termination_requested()
+{
+    return requested;
 }

@@ -8,4 +8,8 @@
 // only writes one byte; a notifier on the GUI thread ends the event loops.
 void install_termination_handler();
 
+// True once the end was asked for: every question then answers itself at once,
+// so nothing may go on asking until it is answered.
+bool termination_requested();
+
 #endif

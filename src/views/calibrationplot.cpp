@@ -95,15 +95,19 @@ void MainWindow::setup_plot()
     }
 }
 
-void MainWindow::remove_curves()
+// A curve leaves the plot when it goes, and takes its symbol with it.
+void MainWindow::delete_curves()
 {
     for (int i = 0; i < CURVE_COUNT; ++i) {
-        if (m_curves[i] != nullptr)
-            m_curves[i]->detach();
         delete m_curves[i];
         m_curves[i] = nullptr;
-        m_symbols[i] = nullptr; // its curve owned it
+        m_symbols[i] = nullptr;
     }
+}
+
+void MainWindow::remove_curves()
+{
+    delete_curves();
     curves_removed = true;
     ui->dataPlot->setTitle(QString());
     ui->dataPlot->setAxisTitle(QwtPlot::yLeft, QString());
