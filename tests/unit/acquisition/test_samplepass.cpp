@@ -323,14 +323,17 @@ void SamplePass::channel_that_is_not_published_data()
     QTest::newRow("negative") << -1;
 }
 
-// A host that came back smaller: nothing is read outside its memory.
+// A host that came back smaller: nothing is read outside its memory, and the
+// last reading of the channel stays.
 void SamplePass::channel_that_is_not_published()
 {
     QFETCH(int, channel);
     start_window(2, 3.0);
+    const int16_t bound = m_cfg->channel;
     m_cfg->channel = static_cast<int16_t>(channel);
+    readings[bound].mv = 9.0;
     pass(2);
-    QCOMPARE(m_cfg->live_mv, 0.0);
+    QCOMPARE(m_cfg->live_mv, 3.0);
 }
 
 QTEST_GUILESS_MAIN(SamplePass)
