@@ -7,6 +7,7 @@
 
 #include "host/operations.h"
 #include "hostsim/bld_tables/caltables.h"
+#include "hostsim/runtime/memoryheader.h"
 
 namespace
 {
@@ -32,6 +33,12 @@ int main()
         caltables::build_cal_tables(channels, transfer, attributes->channel_count);
     if (!caltables::publish_cal_tables(tables))
         return fail("the run-time tables cannot be published");
+    // A cell that ended meanwhile has withdrawn its memories, this one before it
+    // was made anew: nobody else would take it away.
+    if (get_shrd_mem(MEMORY_AI_REAL, 0) == nullptr) {
+        hostsim::withdraw_memory(MEMORY_CAL_TABLES);
+        return fail("the host has ended");
+    }
     log_error(__FILE__, __LINE__, 0, 0, "%zu tables rebuilt, %d files cannot be read",
               tables.entries.size(), tables.failed);
     return tables.failed == 0 ? 0 : 1;

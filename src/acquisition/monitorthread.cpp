@@ -15,6 +15,7 @@ FIFO_RECORD g_fifo_y = {};
 FIFO_RECORD g_fifo_x = {};
 STAT_RECORD g_stat_xy = {};
 STAT_RECORD g_stat_spare = {};
+monitorThread *g_monitor_thread = nullptr;
 
 namespace
 {

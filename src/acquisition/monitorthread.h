@@ -54,4 +54,8 @@ private:
     int16_t m_sleep_ms;
 };
 
+// The program's one monitor thread. It and the mutex that it borrows outlive the
+// window: they are never stopped or deleted.
+extern monitorThread *g_monitor_thread;
+
 #endif

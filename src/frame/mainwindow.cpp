@@ -51,6 +51,7 @@ MainWindow::MainWindow(QWidget *parent)
     ui->lblTableName->clear();
     qRegisterMetaType<ZERL_CFG *>("ZERL_CFG*");
     m_monitor = new monitorThread(m_table_mutex);
+    g_monitor_thread = m_monitor;
     m_monitor->set_sleep_ms(MONITOR_PERIOD_MS);
     connect(m_monitor, &monitorThread::plotInfo, this, &MainWindow::draw_plots_info);
     ui->cboCurrentChannel->setStyleSheet(QStringLiteral("combobox-popup: 0;"));
