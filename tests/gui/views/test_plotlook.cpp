@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// How the calibration plot looks once it is set up: curves, symbols, legend,
+// axes and canvas, with and without lines.
+#include <qwt_legend.h>
+#include <qwt_legend_label.h>
+#include <qwt_plot_layout.h>
+#include <qwt_symbol.h>
+
+#include <QtTest>
+
+#include "gui/frame/testwindow.h"
+#include "gui/views/plotlook.h"
+
+class PlotLook : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void curves_data();
+    void curves();
+    void symbols_data();
+    void symbols();
+    void all_attached_in_the_order_of_creation();
+    void legend();
+    void canvas_and_axes();
+    void first_binding_shows_the_best_fit();
+    void interp_draws_the_current_point_on_top();
+    void interp_to_poly_changes_legend_and_lines();
+    void poly_to_interp_brings_the_lines_back();
+    void title_of_the_left_axis_is_the_unit();
+
+private:
+    QwtPlot *plot() const { return m_it->form->dataPlot; }
+    QStringList legend_titles() const;
+
+    std::unique_ptr<TestWindow> m_it;
+};
+
+void PlotLook::initTestCase()
+{
+    m_it = std::make_unique<TestWindow>();
+}
+
+void PlotLook::cleanupTestCase()
+{
+    m_it.reset();
+}
+
+QStringList PlotLook::legend_titles() const
+{
+    QApplication::sendPostedEvents();
+    QStringList titles;
+    for (const QwtLegendLabel *label : plot()->legend()->findChildren<QwtLegendLabel *>()) {
+        if (!label->isHidden())
+            titles += label->text().text();
+    }
+    titles.sort();
+    return titles;
+}
+
+void PlotLook::curves_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QColor>("colour");
+    QTest::addColumn<int>("line");
+    QTest::newRow("captured: red, solid") << "Captured" << QColor(Qt::red) << int(Qt::SolidLine);
+    QTest::newRow("previous: blue, dash") << "Previous" << QColor(Qt::blue) << int(Qt::DashLine);
+    QTest::newRow("best fit: green, dash-dot-dot")
+        << "BestFit" << QColor(Qt::green) << int(Qt::DashDotDotLine);
+    QTest::newRow("current point: black, no line")
+        << "Current Point" << QColor(Qt::black) << int(Qt::NoPen);
+    QTest::newRow("polynomial: dark grey, dash-dot")
+        << "Polynomial" << QColor(Qt::darkGray) << int(Qt::DashDotLine);
+    QCOMPARE(int(CURVE_COUNT), 5);
+}
+
+// The rows stand in the order of creation.
+void PlotLook::curves()
+{
+    QFETCH(QString, title);
+    QFETCH(QColor, colour);
+    QFETCH(int, line);
+    const QwtPlotCurve *found = nullptr;
+    for (int i = 0; i < CURVE_COUNT; ++i) {
+        if (m_it->window->curve(i)->title().text() == title)
+            found = m_it->window->curve(i);
+    }
+    QVERIFY(found != nullptr);
+    QCOMPARE(found->pen().color(), colour);
+    QCOMPARE(int(found->pen().style()), line);
+    QVERIFY(found->testRenderHint(QwtPlotItem::RenderAntialiased));
+    QVERIFY(found->testLegendAttribute(QwtPlotCurve::LegendShowSymbol));
+    QCOMPARE(found->plot(), plot());
+}
+
+void PlotLook::symbols_data()
+{
+    QTest::addColumn<int>("curve");
+    QTest::addColumn<int>("shape");
+    QTest::addColumn<int>("size");
+    QTest::newRow("Captured") << int(CURVE_CAPTURED) << int(QwtSymbol::Ellipse) << 10;
+    QTest::newRow("Previous") << int(CURVE_PREVIOUS) << int(QwtSymbol::Diamond) << 10;
+    QTest::newRow("BestFit") << int(CURVE_BEST_FIT) << int(QwtSymbol::Diamond) << 10;
+    QTest::newRow("Current Point") << int(CURVE_CURRENT_POINT) << int(QwtSymbol::Diamond) << 10;
+    QTest::newRow("Polynomial") << int(CURVE_POLYNOMIAL) << int(QwtSymbol::Cross) << 6;
+}
+
+void PlotLook::symbols()
+{
+    QFETCH(int, curve);
+    QFETCH(int, shape);
+    QFETCH(int, size);
+    const QwtPlotCurve *found = m_it->window->curve(curve);
+    const QwtSymbol *symbol = found->symbol();
+    QVERIFY(symbol != nullptr);
+    QCOMPARE(int(symbol->style()), shape);
+    QCOMPARE(symbol->size(), QSize(size, size));
+    QCOMPARE(symbol->brush().color(), found->pen().color());
+    QCOMPARE(symbol->brush().style(), Qt::SolidPattern);
+    QCOMPARE(symbol->pen().color(), found->pen().color());
+    QCOMPARE(symbol->pen().style(), found->pen().style());
+    QCOMPARE(symbol->pen().width(), 0);
+    QCOMPARE(symbol->pen().capStyle(), Qt::SquareCap);
+    QCOMPARE(symbol->pen().joinStyle(), Qt::BevelJoin);
+}
+
+void PlotLook::all_attached_in_the_order_of_creation()
+{
+    QCOMPARE(curves_on_show(plot()),
+             (QStringList{"Captured", "Previous", "BestFit", "Current Point", "Polynomial"}));
+}
+
+void PlotLook::legend()
+{
+    const auto *legend = qobject_cast<QwtLegend *>(plot()->legend());
+    QVERIFY(legend != nullptr);
+    QCOMPARE(legend->frameStyle() & QFrame::Shape_Mask, int(QFrame::Box));
+    QCOMPARE(plot()->plotLayout()->legendPosition(), QwtPlot::BottomLegend);
+    QCOMPARE(legend_titles(),
+             (QStringList{"BestFit", "Captured", "Current Point", "Polynomial", "Previous"}));
+}
+
+void PlotLook::canvas_and_axes()
+{
+    QCOMPARE(plot()->canvasBackground().color(), QColor(Qt::white));
+    QCOMPARE(plot()->axisTitle(QwtPlot::xBottom).text(), QStringLiteral("Millivolts (mv)"));
+    QCOMPARE(plot()->axisTitle(QwtPlot::yLeft).text(), QString());
+    QCOMPARE(plot()->title().text(), QString());
+}
+
+void PlotLook::first_binding_shows_the_best_fit()
+{
+    m_it->pick(0);
+    QVERIFY(m_it->reading(2500.0));
+    QTRY_COMPARE_WITH_TIMEOUT(plot()->title().text(),
+                              QStringLiteral("Current Point: 2500.0000 / 50.0000"), DEADLINE_MS);
+    QCOMPARE(legend_titles(), (QStringList{"BestFit", "Captured", "Current Point", "Previous"}));
+}
+
+void PlotLook::interp_draws_the_current_point_on_top()
+{
+    QCOMPARE(curves_on_show(plot()),
+             (QStringList{"Captured", "Previous", "BestFit", "Current Point"}));
+    QCOMPARE(m_it->window->curve(CURVE_CAPTURED)->pen().style(), Qt::SolidLine);
+    QCOMPARE(m_it->window->curve(CURVE_PREVIOUS)->pen().style(), Qt::DashLine);
+}
+
+void PlotLook::interp_to_poly_changes_legend_and_lines()
+{
+    m_it->form->cboCalType->setCurrentIndex(1);
+    QTRY_COMPARE_WITH_TIMEOUT(g_cfg->redraw_all, uint16_t(0), DEADLINE_MS);
+    QCOMPARE(legend_titles(), (QStringList{"Captured", "Current Point", "Polynomial", "Previous"}));
+    // The current point is not attached anew: it keeps its place.
+    QCOMPARE(curves_on_show(plot()),
+             (QStringList{"Captured", "Previous", "Current Point", "Polynomial"}));
+    for (const int curve : {CURVE_CAPTURED, CURVE_PREVIOUS}) {
+        const QwtPlotCurve *points = m_it->window->curve(curve);
+        QCOMPARE(points->pen().style(), Qt::NoPen);
+        QCOMPARE(points->symbol()->pen().style(), Qt::NoPen); // the outline goes too
+        QCOMPARE(points->symbol()->brush().style(), Qt::SolidPattern);
+    }
+    QCOMPARE(m_it->window->curve(CURVE_POLYNOMIAL)->pen().style(), Qt::DashDotLine);
+    QCOMPARE(samples_of(m_it->window->curve(CURVE_POLYNOMIAL)).size(), 101);
+}
+
+void PlotLook::poly_to_interp_brings_the_lines_back()
+{
+    m_it->form->cboCalType->setCurrentIndex(0);
+    QTRY_COMPARE_WITH_TIMEOUT(g_cfg->redraw_all, uint16_t(0), DEADLINE_MS);
+    QCOMPARE(m_it->window->curve(CURVE_CAPTURED)->pen().style(), Qt::SolidLine);
+    QCOMPARE(m_it->window->curve(CURVE_CAPTURED)->symbol()->pen().style(), Qt::SolidLine);
+    QCOMPARE(m_it->window->curve(CURVE_PREVIOUS)->pen().style(), Qt::DashLine);
+    QCOMPARE(m_it->window->curve(CURVE_PREVIOUS)->symbol()->pen().style(), Qt::DashLine);
+    QCOMPARE(curves_on_show(plot()),
+             (QStringList{"Captured", "Previous", "BestFit", "Current Point"}));
+}
+
+void PlotLook::title_of_the_left_axis_is_the_unit()
+{
+    QCOMPARE(plot()->axisTitle(QwtPlot::yLeft).text(), QStringLiteral("kPa"));
+    m_it->bind_afresh(9);
+    QTRY_COMPARE_WITH_TIMEOUT(plot()->axisTitle(QwtPlot::yLeft).text(), QStringLiteral("DEG_C"),
+                              DEADLINE_MS);
+}
+
+QTEST_MAIN(PlotLook)
+#include "test_plotlook.moc"
