@@ -14,6 +14,7 @@
 
 #include "host/exports.h"
 #include "host/operations.h"
+#include "hostsim/runtime/fileaccess.h"
 #include "hostsim/runtime/log.h"
 #include "hostsim/runtime/mapping.h"
 #include "hostsim/runtime/memoryheader.h"
@@ -30,23 +31,6 @@ namespace
 constexpr std::size_t NAME_BYTES = 64;
 // Where the C library keeps the objects; renaming one has no call of its own.
 constexpr char OBJECT_FOLDER[] = "/dev/shm";
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int file) : m_file(file) {}
-    ~Descriptor()
-    {
-        if (m_file >= 0)
-            close(m_file);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    int get() const { return m_file; }
-
-private:
-    int m_file;
-};
 
 // A mapping is known by device and inode of its object. Being mapped keeps the
 // inode in use, so no later object can be taken for it.

@@ -165,7 +165,7 @@ bool sync_history(const std::string &path)
     const Descriptor file = open_regular(history.c_str(), O_RDONLY);
     if (!file.valid() && errno == ENOENT)
         return true;
-    return (file.valid() && fsync(file.get()) == 0) || failed(history, "cannot be made safe");
+    return file.valid() && fsync(file.get()) == 0;
 }
 
 bool write_temporary(const std::string &name, const std::string &path, const std::string &block)
@@ -190,8 +190,9 @@ bool replace_table(const std::string &path, const std::string &block)
         return failed(path, "the folder cannot be opened");
     if (!lock_within(lock.get(), LOCK_EX, WRITE_LOCK_MS) && errno == EWOULDBLOCK)
         return failed(path, "another process keeps the folder locked");
-    if (!sync_history(path))
-        return false;
+    // A history that was just made has its name on disc before the table goes.
+    if (!sync_history(path) || fsync(lock.get()) != 0)
+        return failed(path, "the former table cannot be made safe");
     const std::string temporary = temporary_name(path);
     if (!write_temporary(temporary, path, block) || rename(temporary.c_str(), path.c_str()) != 0) {
         failed(path, "the table cannot be written");

@@ -7,13 +7,9 @@
 #include <cstring>
 #include <iterator>
 
-#include "calibration/axisrange.h"
-#include "calibration/plotcurve.h"
 #include "calibration/tableload.h"
 #include "frame/functions.h"
 #include "frame/hostlink.h"
-#include "frame/relaxed.h"
-#include "sensor/tolerances.h"
 
 namespace
 {
@@ -119,20 +115,7 @@ int32_t bind_channel(ZERL_CFG *cfg)
     if (usable) {
         take_names(cfg);
         read_table_into(cfg);
-        reset_axis_range(&cfg->x_axis_range);
-        reset_axis_range(&cfg->y_axis_range);
-        clear_unused_points(&cfg->long_current);
-        std::memcpy(cfg->plot_previous.pairs, cfg->plot_current.pairs,
-                    sizeof cfg->plot_previous.pairs);
-        cfg->plot_previous.count = cfg->plot_current.count;
-        cfg->long_previous = cfg->long_current;
-        mua_instance_index = 0;
-        cfg->table.worst_status = 0;
-        load_tolerances_and_biases(cfg);
-        g_num_points = cfg->long_current.num_points;
-        relaxed_store(g_monitor_run, static_cast<uint16_t>(1));
-        cfg->redraw_all = 1;
-        cfg->table_dirty = 0;
+        take_table_into_work(cfg);
     }
     g_captured_points = 0;
     return usable ? 0 : -1;

@@ -59,16 +59,21 @@ void MainWindow::on_cboCurrentChannel_currentIndexChanged(const QString &text)
     bind_selected_channel(local.get());
 }
 
+void MainWindow::show_no_channel()
+{
+    ui->btnAdjustCalibration->setEnabled(false);
+    ui->btnReuseCalibration->setEnabled(false);
+    ui->lblSerialNumber->clear();
+    ui->btnUnits->setText(QString());
+}
+
 // The first pick of the list's first line after start-up or a give-up takes a
 // quiet path, even with a channel bound: the combo stays there, the record keeps
 // its channel and the monitor thread goes on with it.
 void MainWindow::no_channel_chosen()
 {
     if (g_first_select != 0) {
-        ui->btnAdjustCalibration->setEnabled(false);
-        ui->btnReuseCalibration->setEnabled(false);
-        ui->lblSerialNumber->clear();
-        ui->btnUnits->setText(QString());
+        show_no_channel();
         hide_rows();
         g_first_select = 0;
         return;
@@ -181,10 +186,7 @@ void MainWindow::give_up_channel()
     // Re-enters the slot of the combo, which may bring the dialog back; what
     // follows runs when that has unwound.
     ui->cboCurrentChannel->setCurrentIndex(0);
-    ui->btnAdjustCalibration->setEnabled(false);
-    ui->btnReuseCalibration->setEnabled(false);
-    ui->lblSerialNumber->clear();
-    ui->btnUnits->setText(QString());
+    show_no_channel();
     ui->btnGenerateLineRpt->setEnabled(false);
     // Fresh rows below the old ones, of which the list's first 64 stay the ones
     // in use: kept as it is.

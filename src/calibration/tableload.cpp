@@ -5,9 +5,13 @@
 #include <cmath>
 #include <cstring>
 
+#include "calibration/axisrange.h"
+#include "calibration/plotcurve.h"
 #include "calibration/tablestore.h"
 #include "frame/functions.h"
+#include "frame/relaxed.h"
 #include "host/operations.h"
+#include "sensor/tolerances.h"
 
 namespace
 {
@@ -167,4 +171,20 @@ int32_t load_channel_table(ZERL_CFG *cfg)
         break;
     }
     return status;
+}
+
+void take_table_into_work(ZERL_CFG *cfg)
+{
+    reset_axis_range(&cfg->x_axis_range);
+    reset_axis_range(&cfg->y_axis_range);
+    clear_unused_points(&cfg->long_current);
+    cfg->plot_previous = cfg->plot_current;
+    cfg->long_previous = cfg->long_current;
+    mua_instance_index = 0;
+    cfg->table.worst_status = 0;
+    load_tolerances_and_biases(cfg);
+    g_num_points = cfg->long_current.num_points;
+    relaxed_store(g_monitor_run, static_cast<uint16_t>(1));
+    cfg->redraw_all = 1;
+    cfg->table_dirty = 0;
 }

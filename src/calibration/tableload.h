@@ -24,4 +24,8 @@ void sort_points(double *x, double *y, int n);
 // points has always been loaded.
 void store_line_coefficients(POLY_RANGE_RECORD *range, const double *buffer, int n);
 
+// Starts the work on the table just computed: the copies to compare with, the
+// limits, the extents and the counts.
+void take_table_into_work(ZERL_CFG *cfg);
+
 #endif

@@ -1,42 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/zerl_util.h"
 
-#include <algorithm>
-
-#include "calibration/axisrange.h"
-#include "calibration/plotcurve.h"
 #include "calibration/process.h"
+#include "calibration/tableload.h"
 #include "frame/mainwindow.h"
-#include "frame/relaxed.h"
 #include "frame/tablelock.h"
 #include "host/operations.h"
-#include "sensor/tolerances.h"
 #include "ui_mainwindow.h"
-
-namespace
-{
-
-void take_table_into_work(ZERL_CFG *cfg)
-{
-    reset_axis_range(&cfg->x_axis_range);
-    reset_axis_range(&cfg->y_axis_range);
-    clear_unused_points(&cfg->long_current);
-    cfg->plot_previous = cfg->plot_current;
-    cfg->long_previous = cfg->long_current;
-    mua_instance_index = 0;
-    cfg->table.worst_status = 0;
-    load_tolerances_and_biases(cfg);
-    g_num_points = cfg->long_current.num_points;
-    relaxed_store(g_monitor_run, static_cast<uint16_t>(1));
-    cfg->redraw_all = 1;
-    cfg->table_dirty = 0;
-    g_captured_points = 0;
-    cfg->x_axis_range.changed = 1;
-    cfg->y_axis_range.changed = 1;
-    reset_point_statistics(cfg);
-}
-
-} // namespace
 
 void recompute_table_view(MainWindow *main)
 {
@@ -44,6 +14,10 @@ void recompute_table_view(MainWindow *main)
     {
         TableLock lock(main->table_mutex());
         take_table_into_work(g_cfg);
+        g_captured_points = 0;
+        g_cfg->x_axis_range.changed = 1;
+        g_cfg->y_axis_range.changed = 1;
+        reset_point_statistics(g_cfg);
     }
     main->request_rescale();
     main->sync_type_controls(g_cfg);

@@ -38,10 +38,7 @@ MainWindow::MainWindow(QWidget *parent)
     force_rescale = false;
     relaxed_store(g_monitor_enabled, static_cast<uint8_t>(1));
     ui->frame->setFrameShape(QFrame::NoFrame);
-    ui->btnAdjustCalibration->setEnabled(false);
-    ui->btnReuseCalibration->setEnabled(false);
-    ui->lblSerialNumber->clear();
-    ui->btnUnits->setText(QString());
+    show_no_channel();
     ui->btnGenerateLineRpt->setEnabled(false);
     create_rows();
     hide_rows();

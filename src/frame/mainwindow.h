@@ -134,6 +134,7 @@ private:
 
     // Channel selection.
 
+    void show_no_channel();
     void no_channel_chosen();
     bool may_leave_channel();
     void recount_captured_rows();
