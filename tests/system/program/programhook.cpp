@@ -215,6 +215,11 @@ QString Hook::obey(const QStringList &words)
             words.value(1).isEmpty() ? 0 : combo->findText(prefix, Qt::MatchContains));
         return {};
     }
+    if (what == QLatin1String("focus")) {
+        main_window()->activateWindow();
+        qobject_cast<QWidget *>(object)->setFocus();
+        return {};
+    }
     if (what == QLatin1String("get"))
         return object->property(words.value(2).toLatin1().constData()).toString() + QString("");
     if (what == QLatin1String("type"))

@@ -31,9 +31,11 @@ private slots:
     void cleanup();
     void sigterm_while_idle();
     void sigterm_while_the_monitor_runs();
+    void sigterm_with_the_focus_in_a_row();
     void sigterm_during_a_message_box();
     void sigterm_during_a_question_changes_nothing();
     void sigterm_during_a_dialog();
+    void sigterm_while_a_refused_range_would_come_back();
     void sigterm_during_the_first_failure_box();
     void second_sigterm_does_no_harm();
     void window_closed_while_idle();
@@ -99,6 +101,19 @@ void ProgramEnding::sigterm_while_the_monitor_runs()
     QCOMPARE(program.wait_for_end(), 0);
 }
 
+// The field that loses the focus at the end still works on a whole window.
+void ProgramEnding::sigterm_with_the_focus_in_a_row()
+{
+    TestProgram program;
+    QVERIFY(sampling(&program));
+    QVERIFY(program.send({"focus", "txtCurrentValue"}));
+    QVERIFY(QTest::qWaitFor(
+        [&program] { return program.get("txtCurrentValue", "focus") == QLatin1String("true"); },
+        60000));
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
 void ProgramEnding::sigterm_during_a_message_box()
 {
     TestProgram program;
@@ -132,6 +147,19 @@ void ProgramEnding::sigterm_during_a_dialog()
     QVERIFY(sampling(&program));
     QVERIFY(program.send({"trigger", "actionTable_Info"}));
     QCOMPARE(program.next_box(), QStringLiteral("Transducer Calibration Configuration|"));
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
+// With the list's first line taken once, a refusal brings the dialog back: at
+// the end nobody is there to accept it.
+void ProgramEnding::sigterm_while_a_refused_range_would_come_back()
+{
+    TestProgram program;
+    QVERIFY(sampling(&program));
+    QVERIFY(program.send({"pick", ""}));
+    QVERIFY(program.send({"pick", "4"}));
+    QVERIFY(program.next_box().startsWith(QLatin1String("Update Data|")));
     program.terminate();
     QCOMPARE(program.wait_for_end(), 0);
 }
