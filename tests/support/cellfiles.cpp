@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
+#include <QTest>
 
 void require_private_cell()
 {
@@ -25,9 +27,26 @@ QByteArray read_file(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+void verify_tables()
+{
+    const QString vxtable = QString::fromLocal8Bit(qgetenv("ZERL_VERIFY"));
+    if (vxtable.isEmpty())
+        return;
+    const auto files = QDir(QStringLiteral("/cell/tables"))
+                           .entryInfoList({"*.tbl", "*.save", "*.old"}, QDir::Files);
+    for (const QFileInfo &file : files) {
+        QProcess process;
+        process.start(vxtable, {QStringLiteral("verify"), file.filePath()});
+        if (!process.waitForFinished(60000) || process.exitCode() != 0)
+            QTest::qFail(qPrintable(QStringLiteral("damaged: ") + file.filePath()), __FILE__,
+                         __LINE__);
+    }
+}
+
 void clear_cell()
 {
     require_private_cell();
+    verify_tables();
     for (const char *place : {"/cell", "/specs", "/ram"}) {
         const QDir folder(QString::fromLatin1(place));
         const auto entries = folder.entryInfoList(QDir::AllEntries | QDir::System | QDir::Hidden |

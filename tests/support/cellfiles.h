@@ -19,7 +19,11 @@ void write_file(const QString &path, const QByteArray &bytes);
 // The whole file; empty when there is none.
 QByteArray read_file(const QString &path);
 
-// Empties /cell, /specs and /ram, and makes /cell/tables anew.
+// Fails the test for a damaged table file in /cell/tables. Does nothing in the
+// programs that damage files on purpose (leave_damage in tests/CMakeLists.txt).
+void verify_tables();
+
+// Verifies the tables, empties /cell, /specs and /ram, and makes /cell/tables anew.
 void clear_cell();
 
 // Shared memory objects of a host, as paths; none when no cell runs.

@@ -6,6 +6,8 @@
 # 0 and a file is damaged.
 vxtable=$1
 shift
+ZERL_VERIFY=$vxtable # between its functions the program verifies by itself
+export ZERL_VERIFY
 "$@"
 status=$?
 for file in /cell/tables/*.tbl /cell/tables/*.save /cell/tables/*.old; do

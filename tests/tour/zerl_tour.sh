@@ -45,7 +45,7 @@ printf '\ntour: records of %s.save:\n' "$stem"
 "$vxtable" list "$stem.save"
 
 cmp -s "$stem.old" "$before/${changed##*/}" || fail "$stem.old is not the former table"
-for file in "$stem.tbl" "$stem.save" "$stem.old"; do
+for file in /cell/tables/*.tbl /cell/tables/*.save /cell/tables/*.old; do
     "$vxtable" verify "$file" || fail "$file is damaged"
 done
 "$vxtable" list "$stem.save" | grep -q 'As-Found' || fail "no As-Found record"

@@ -229,6 +229,7 @@ channel 9
     // The table files as the cell made them.
     void restore_tables()
     {
+        verify_tables();
         const QDir folder(QStringLiteral("/cell/tables"));
         for (const QString &name : folder.entryList(QDir::Files)) {
             if (!m_tables.contains(name))

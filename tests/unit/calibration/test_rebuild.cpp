@@ -62,6 +62,7 @@ private slots:
     void nothing_to_bind_with();
     void missing_program_is_not_detected();
     void failing_program_is_not_detected();
+    void program_is_not_waited_for();
     void memories_lost_data();
     void memories_lost();
     void units_lost_data();
@@ -187,6 +188,19 @@ void Rebuild::failing_program_is_not_detected()
     QCOMPARE(bound.size(), 1);
     QCOMPARE(information_texts(), QStringList());
     QCOMPARE(log.texts(), QStringList());
+}
+
+// It ends only when the test lets it, which is after the rebuild has returned.
+void Rebuild::program_is_not_waited_for()
+{
+    g_rebuild_wait_ms = 0;
+    install_program("n=0\n"
+                    "while [ ! -e /cell/go ] && [ $n -lt 1200 ]; do sleep 0.05; n=$((n+1)); done\n"
+                    "[ -e /cell/go ] && : >/cell/finished\n");
+    rebuild_tables(m_cfg.get());
+    QVERIFY(!QFile::exists(QStringLiteral("/cell/finished")));
+    write_file(QStringLiteral("/cell/go"), "");
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("/cell/finished")), 60000);
 }
 
 void Rebuild::memories_lost_data()
