@@ -3,14 +3,16 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <thread>
 #include <unistd.h>
+
+#include "hostsim/cell/descriptionline.h"
 
 namespace cell
 {
@@ -19,14 +21,8 @@ namespace
 {
 
 constexpr int ANSWER_MS = 10000;
+constexpr const char *NO_ANSWER = "the cell does not answer";
 constexpr auto POLL_INTERVAL = std::chrono::milliseconds(10);
-
-std::string exact(double value)
-{
-    char text[40];
-    std::snprintf(text, sizeof text, "%.17g", value);
-    return text;
-}
 
 std::string quoted(const std::string &text)
 {
@@ -93,9 +89,11 @@ bool CellClient::connect()
         return lost("too long for a socket");
     std::memcpy(address.sun_path, m_path.c_str(), m_path.size());
     m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (m_socket < 0 ||
+    // Bounds the connecting as well, to a cell that is stopped.
+    const timeval limit = {ANSWER_MS / 1000, 0};
+    if (m_socket < 0 || setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit) != 0 ||
         ::connect(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
-        return lost(std::strerror(errno));
+        return lost(errno == EAGAIN ? NO_ANSWER : std::strerror(errno));
     return true;
 }
 
@@ -106,7 +104,7 @@ bool CellClient::send_line(const std::string &line)
     while (sent < text.size()) {
         const ssize_t count = send(m_socket, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
         if (count < 0 && errno != EINTR)
-            return lost(std::strerror(errno));
+            return lost(errno == EAGAIN ? NO_ANSWER : std::strerror(errno));
         if (count > 0)
             sent += static_cast<std::size_t>(count);
     }
@@ -122,7 +120,7 @@ bool CellClient::read_line(std::string *line)
         if (ready < 0 && errno == EINTR)
             continue;
         if (ready <= 0)
-            return lost("the cell does not answer");
+            return lost(NO_ANSWER);
         char bytes[65536];
         const ssize_t count = recv(m_socket, bytes, sizeof bytes, 0);
         if (count < 0 && errno == EINTR)

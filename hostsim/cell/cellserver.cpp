@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -43,8 +44,16 @@ bool CellServer::listen(const std::string &path, std::string *error)
         *error = path + ": " + std::strerror(errno);
         return false;
     }
-    // The cell's lock is held, so whoever made this name is dead.
-    unlink(path.c_str());
+    // The cell's lock is held, so whoever made this socket is dead.
+    struct stat there = {};
+    if (lstat(path.c_str(), &there) == 0) {
+        if (!S_ISSOCK(there.st_mode)) {
+            *error = path + ": is there, and is no socket";
+            close(file);
+            return false;
+        }
+        unlink(path.c_str());
+    }
     if (bind(file, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
         ::listen(file, 16) != 0) {
         *error = path + ": " + std::strerror(errno);

@@ -23,7 +23,8 @@ public:
     CellServer(const CellServer &) = delete;
     CellServer &operator=(const CellServer &) = delete;
 
-    // Listens at the path; a socket left there by a cell that died is replaced.
+    // Listens at the path; a socket left there by a cell that died is replaced,
+    // nothing else is.
     // False, and why in *error, when it cannot.
     bool listen(const std::string &path, std::string *error);
 

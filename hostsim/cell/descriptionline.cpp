@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 
 namespace cell
@@ -76,6 +77,13 @@ bool parse_integer(const std::string &text, long low, long high, long *number)
     errno = 0;
     *number = std::strtol(text.c_str(), &end, 10);
     return *end == '\0' && errno == 0 && *number >= low && *number <= high;
+}
+
+std::string exact(double value)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17g", value);
+    return text;
 }
 
 } // namespace cell

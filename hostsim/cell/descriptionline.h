@@ -19,6 +19,9 @@ bool split_line(const std::string &line, std::vector<std::string> *words, std::s
 bool parse_number(const std::string &text, double *number);
 bool parse_integer(const std::string &text, long low, long high, long *number);
 
+// With as many digits as give the same number back.
+std::string exact(double value);
+
 } // namespace cell
 
 #endif

@@ -22,13 +22,6 @@ bool fail(std::string *error, const std::string &text)
     return false;
 }
 
-std::string exact(double value)
-{
-    char text[40];
-    std::snprintf(text, sizeof text, "%.17g", value);
-    return text;
-}
-
 // The text of a record's field on one line, whatever bytes it holds.
 template <std::size_t Size> std::string field_text(const char (&field)[Size])
 {

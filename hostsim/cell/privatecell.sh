@@ -15,7 +15,7 @@ CANNOT_RUN=125
 self=$(readlink -f -- "$0")
 bin=$(dirname -- "$self")
 build=$(dirname -- "$bin")
-source_folder='@PROJECT_SOURCE_DIR@'
+source_folder='@QUOTED_SOURCE_DIR@'
 cells=$build/share/zerl_util/cells
 lock_file=/tmp/.privatecell.lock
 
@@ -67,14 +67,42 @@ set_touch_marker() {
     fi
 }
 
-# Starts the cell and returns when it is ready; sets cell_pid.
+# Signals end it in order: what was started is stopped, and what was made for
+# the run is removed.
+in_places=0 litter=
+# shellcheck disable=SC2317 # called by a trap
+tidy_up() {
+    stop_cell
+    [ -z "$litter" ] || rm -rf "$litter"
+    [ "$in_places" = 0 ] || remove_places
+}
+heed_signals() {
+    cell_pid='' panel_pid='' ready='' is_up=0
+    trap tidy_up EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
+    trap 'exit 129' HUP
+}
+
+# Without process ids of its own a view does not take along what runs in it.
+find_leash() {
+    leash=
+    if [ $$ != 1 ] && setpriv --pdeathsig TERM true 2>/dev/null; then
+        leash='setpriv --pdeathsig TERM'
+    fi
+}
+
+# Starts the cell and returns when it is ready; sets cell_pid. A signal
+# interrupts a wait, but not a command in the foreground.
 start_cell() {
     ready=$(mktemp -d "${TMPDIR:-/tmp}/privatecell.XXXXXX") && mkfifo "$ready/fifo" || return 1
-    "$bin/trainingcell" --ready-fd 3 3>"$ready/fifo" 9>&- &
+    "$bin/trainingcell" --end-with $$ --ready-fd 3 3>"$ready/fifo" 9>&- &
     cell_pid=$!
-    answer=$(timeout 60 head -c 1 <"$ready/fifo")
+    timeout 60 head -c 1 <"$ready/fifo" >"$ready/answer" 9>&- &
+    wait $!
+    [ -s "$ready/answer" ] && is_up=1
     rm -rf "$ready"
-    [ -n "$answer" ] && return 0
+    [ "$is_up" = 1 ] && return 0
     kill "$cell_pid" 2>/dev/null
     wait "$cell_pid"
     cell_pid=
@@ -82,12 +110,17 @@ start_cell() {
     return 1
 }
 
+# shellcheck disable=SC2317 # called by a trap
 stop_cell() {
+    trap '' INT TERM HUP
+    [ -z "$ready" ] || rm -rf "$ready"
     [ -n "$panel_pid" ] && kill "$panel_pid" 2>/dev/null && wait "$panel_pid" 2>/dev/null
     panel_pid=
     [ -n "$cell_pid" ] || return 0
     kill "$cell_pid" 2>/dev/null
-    wait "$cell_pid" || say "the training cell ended with status $?"
+    wait "$cell_pid"
+    ended=$?
+    [ "$ended" = 0 ] || [ "$is_up" = 0 ] || say "the training cell ended with status $ended"
     cell_pid=
     for name in /dev/shm/vornax.*; do
         [ -e "$name" ] && say "shared memory left behind: $name"
@@ -95,44 +128,64 @@ stop_cell() {
     return 0
 }
 
+# Waits for the end of a process, whatever signals come; its status is in $status.
+await() {
+    while :; do
+        wait "$1" 2>/dev/null # the shell's own word on a signal
+        status=$?
+        kill -0 "$1" 2>/dev/null || break
+    done
+    # An end that fell together with a signal has not been told yet.
+    wait "$1" 2>/dev/null
+    late=$?
+    [ "$late" = 127 ] || status=$late
+}
+
+pass_on() {
+    if [ -n "$command_pid" ]; then
+        kill -"$1" "$command_pid" 2>/dev/null
+    else
+        early=$1
+    fi
+}
+
 # Runs the command to its end, passing signals on; its status is in $status.
 # A terminal has already told the whole group of an interrupt.
 run_command() {
+    command_pid='' early=''
     exec 4<&0
-    env --default-signal=INT,QUIT "$@" <&4 4<&- 9>&- &
+    trap '[ -t 4 ] || pass_on INT' INT
+    trap 'pass_on TERM' TERM
+    trap 'pass_on HUP' HUP
+    # shellcheck disable=SC2086 # words on purpose
+    $leash env --default-signal=INT,QUIT "$@" <&4 4<&- 9>&- &
     command_pid=$!
-    trap '[ -t 4 ] || kill -INT "$command_pid" 2>/dev/null' INT
-    trap 'kill -TERM "$command_pid" 2>/dev/null' TERM
-    trap 'kill -HUP "$command_pid" 2>/dev/null' HUP
-    while :; do
-        wait "$command_pid" 2>/dev/null # the shell's own word on a signal
-        status=$?
-        kill -0 "$command_pid" 2>/dev/null || break
-    done
+    [ -z "$early" ] || pass_on "$early"
+    await "$command_pid"
 }
 
-# Everything that happens in the view; $1: folder of the description.
+# Everything that happens in the view, signals being heeded; $1: folder of the
+# description. A cell may already run in these folders, so they are changed only
+# by who has its lock.
 inside() {
     description=$1
     shift
-    cell_pid=
-    panel_pid=
-    status=$CANNOT_RUN
+    find_leash
     if [ "$with_cell" = 1 ]; then
         prepare_cell "$description" || refuse "the cell's folders cannot be made"
     fi
-    set_touch_marker
     if [ "$start" = 1 ]; then
         start_cell || return "$CANNOT_RUN"
-        if [ "$panel" = 1 ]; then
-            "$bin/cellpanel" 9>&- &
-            panel_pid=$!
-        fi
     elif [ "$with_cell" = 1 ]; then
         "$bin/trainingcell" --init-only || refuse "the cell's tables cannot be made"
     fi
+    set_touch_marker
+    if [ "$panel" = 1 ]; then
+        # shellcheck disable=SC2086 # words on purpose
+        $leash "$bin/cellpanel" 9>&- &
+        panel_pid=$!
+    fi
     run_command "$@"
-    stop_cell
     return "$status"
 }
 
@@ -212,11 +265,44 @@ bind_cell() {
 # be mounted anew, else without.
 find_namespaces() {
     command -v bwrap >/dev/null 2>&1 || return 1
-    for spaces in "--unshare-pid --proc /proc" "--dev-bind /proc /proc"; do
+    for spaces in "--unshare-pid --as-pid-1 --proc /proc" "--dev-bind /proc /proc"; do
         # shellcheck disable=SC2086 # words on purpose
         bwrap --ro-bind / / $spaces --die-with-parent true 2>/dev/null && return 0
     done
     return 1
+}
+
+# A hangup is ignored by whoever is started with nohup.
+hangup_ignored() {
+    while read -r key value; do
+        [ "$key" = SigIgn: ] || continue
+        case $value in
+        *[13579bdf]) return 0 ;;
+        *) return 1 ;;
+        esac
+    done </proc/$$/status
+    return 1
+}
+
+# Passes a signal on to what runs in the view, as soon as that can heed it. On
+# descriptor 6 stands which process that is, and then that it is ready.
+view_pid='' early='' seen=''
+tell() {
+    if [ -z "$view_pid" ]; then
+        early=$1
+        return
+    fi
+    while kill -0 "$view_pid" 2>/dev/null; do
+        seen=$seen$(cat <&6)
+        case $seen in
+        *\"child-pid\":*ready*)
+            inner=${seen#*\"child-pid\": }
+            kill -"$1" "${inner%%[!0-9]*}" 2>/dev/null
+            return
+            ;;
+        esac
+        sleep 0.02
+    done
 }
 
 run_in_namespaces() {
@@ -235,12 +321,26 @@ run_in_namespaces() {
     /tmp | /cell* | /specs* | /ram* | /vornax*) ;;
     *) add --chdir "$PWD" ;;
     esac
-    # An interrupt is for what runs inside; it tidies up and then all ends.
-    [ "$start" = 1 ] && trap '' INT
-    # shellcheck disable=SC2086 # words on purpose
-    eval "set -- $spaces $view -- env --default-signal=INT \"\$self\" --inside \
+    # Signals are for what runs inside; it tidies up and then all ends.
+    heeded=INT,QUIT,TERM
+    hangup_ignored || heeded=$heeded,HUP
+    eval "set -- $spaces $view -- env --default-signal=$heeded \"\$self\" --inside \
         $start $panel $touch_screen $with_cell /vornax/description -- \"\$@\""
-    exec bwrap "$@"
+    notes=$(mktemp "${TMPDIR:-/tmp}/privatecell.XXXXXX") || refuse "no file can be made for the view"
+    exec 4<&0 5>"$notes"
+    exec 6<"$notes"
+    rm -f "$notes"
+    trap '[ -t 4 ] || tell INT' INT
+    trap 'tell TERM' TERM
+    trap 'tell HUP' HUP
+    (
+        trap '' INT TERM HUP
+        exec bwrap --info-fd 5 "$@" <&4 4<&- 6<&- 7>&5
+    ) &
+    view_pid=$!
+    [ -z "$early" ] || tell "$early"
+    await "$view_pid"
+    exit "$status"
 }
 
 # ---- Outside: the places themselves ------------------------------------------
@@ -263,7 +363,10 @@ take_places() {
     [ -w / ] || return 1
     command -v flock >/dev/null 2>&1 || return 1
     exec 9>"$lock_file" || return 1
-    flock 9
+    if ! flock -n 9; then
+        say "another run uses /cell; waiting"
+        flock 9
+    fi
     [ -e /vornax/.privatecell ] && remove_places
     for place in /cell /specs /ram /vornax; do
         [ -e "$place" ] || [ -L "$place" ] && return 1
@@ -280,9 +383,8 @@ copy_description() {
 }
 
 run_in_places() {
-    trap remove_places EXIT
-    trap 'exit 130' INT
-    trap 'exit 143' TERM HUP
+    in_places=1
+    heed_signals
     mkdir -p /vornax/bin /vornax/description
     ln -s "$bin/bld_tables" /vornax/bin/bld_tables
     if [ "$with_cell" = 1 ]; then
@@ -328,10 +430,9 @@ explain_refusal() {
 if [ "${1:-}" = --inside ]; then
     start=$2 panel=$3 touch_screen=$4 with_cell=$5 description_folder=$6
     shift 7
-    if [ "$start" = 0 ] && [ "$with_cell" = 0 ]; then
-        set_touch_marker
-        exec "$@"
-    fi
+    heed_signals
+    echo ready >&7
+    exec 7>&-
     inside "$description_folder" "$@"
     exit $?
 fi
@@ -403,7 +504,8 @@ if [ "${ZERL_PRIVATE_CELL:-}" = 1 ]; then
     if [ "$with_cell" = 1 ]; then
         copy_description "$description"
     fi
-    trap 'rm -rf "$description"' EXIT
+    litter=$description
+    heed_signals
     inside "$description" "$@"
     exit $?
 fi

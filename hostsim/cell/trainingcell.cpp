@@ -14,6 +14,7 @@
 #include <spawn.h>
 #include <string>
 #include <sys/file.h>
+#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/timerfd.h>
 #include <sys/wait.h>
@@ -40,6 +41,7 @@ struct Options {
     std::string description = "/cell/cell.txt";
     std::string socket = cell::CELL_SOCKET;
     int ready_fd = -1;
+    pid_t end_with = 0; // 0: of nobody
     bool init_only = false;
     bool help = false;
 };
@@ -51,6 +53,7 @@ int usage(FILE *to)
                "  --socket PATH    where the operator's commands come in\n"
                "                   (default /cell/cell.sock)\n"
                "  --ready-fd N     write one byte to that descriptor when all is up\n"
+               "  --end-with PID   end when the parent does, which has that number\n"
                "  --init-only      make the table files that are missing, and end\n"
                "  --foreground     stay in the foreground, as it always does\n"
                "  --help           this text\n",
@@ -71,6 +74,9 @@ bool parse_options(int argc, char **argv, Options *options)
         else if (word == "--ready-fd" && has_value &&
                  cell::parse_integer(argv[++i], 0, 1000000, &number))
             options->ready_fd = static_cast<int>(number);
+        else if (word == "--end-with" && has_value &&
+                 cell::parse_integer(argv[++i], 1, INT_MAX, &number))
+            options->end_with = static_cast<pid_t>(number);
         else if (word == "--init-only")
             options->init_only = true;
         else if (word == "--help")
@@ -223,6 +229,12 @@ int main(int argc, char **argv)
         for (const std::string &error : errors)
             std::fprintf(stderr, "%s\n", error.c_str());
         return MISUSED;
+    }
+    // A parent that was killed cannot end us; nor can one that is gone by now.
+    if (options.end_with != 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (getppid() != options.end_with)
+            return cannot_run("whoever started it has gone");
     }
     std::string error;
     if (!lock_view(&error) || !cell::make_table_files(description, &error))

@@ -58,6 +58,10 @@ const char *condition_name(Condition condition)
 
 bool condition_from_name(const std::string &name, Condition *condition)
 {
+    if (name == "drifted") {
+        *condition = Condition::Drifted1;
+        return true;
+    }
     for (int i = 0; i < CONDITIONS; ++i) {
         if (name == NAMES[i]) {
             *condition = static_cast<Condition>(i);

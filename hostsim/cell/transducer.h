@@ -20,6 +20,7 @@ constexpr int CONDITIONS = 6;
 
 // "good", "drifted1" and so on.
 const char *condition_name(Condition condition);
+// "drifted" alone is the first degree of it. False for any other text.
 bool condition_from_name(const std::string &name, Condition *condition);
 
 // The curve from the applied value to true millivolts.

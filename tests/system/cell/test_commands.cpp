@@ -102,6 +102,7 @@ void Commands::command_data()
     QTest::newRow("hold") << "mv 0 1.5" << 0 << "";
     QTest::newRow("let go") << "mv 0 auto" << 0 << "";
     QTest::newRow("condition") << "condition 0 drifted2" << 0 << "";
+    QTest::newRow("condition without its degree") << "condition 0 drifted" << 0 << "";
     QTest::newRow("set") << "set 0 label Other" << 0 << "";
     QTest::newRow("socket") << "--socket /cell/cell.sock show 0" << 0 << "";
     QTest::newRow("help") << "--help" << 0 << "";
@@ -232,9 +233,13 @@ void Commands::panel_without_a_display()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         environment.remove(name);
-    const Run panel = run("cellpanel", {}, environment);
-    QCOMPARE(panel.status, 1);
-    QCOMPARE(panel.error, QString("cellpanel: there is no display; use cellctl instead\n"));
+    for (const bool empty : {false, true}) {
+        if (empty)
+            environment.insert("DISPLAY", "");
+        const Run panel = run("cellpanel", {}, environment);
+        QCOMPARE(panel.status, 1);
+        QCOMPARE(panel.error, QString("cellpanel: there is no display; use cellctl instead\n"));
+    }
 }
 
 void Commands::rebuild()

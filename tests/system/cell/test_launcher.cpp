@@ -36,7 +36,12 @@ private slots:
     void cell_that_does_not_start();
     void command_that_ends_the_cell();
     void launcher_within_a_view();
+    void terminated_launcher_leaves_nothing_data();
     void terminated_launcher_leaves_nothing();
+    void killed_launcher_takes_the_cell_along();
+    void terminated_while_the_cell_starts();
+    void running_cell_keeps_its_marker();
+    void input_goes_through();
     void places_themselves_data();
     void places_themselves();
     void places_that_belong_to_someone();
@@ -305,22 +310,126 @@ void Launcher::launcher_within_a_view()
     QCOMPARE(done.output, QString("27\n/cell/here\n5\n"));
 }
 
-void Launcher::terminated_launcher_leaves_nothing()
+namespace
 {
-    const QTemporaryDir folder;
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    process.start(LAUNCHER, {"--cell", folder.path(), "--start", "--writable", folder.path(), "--",
-                             "sh", "-c", "echo up; exec sleep 1000"});
-    QTRY_VERIFY_WITH_TIMEOUT(process.bytesAvailable() > 0, DEADLINE_MS);
-    process.terminate();
-    QVERIFY(process.waitForFinished(DEADLINE_MS));
-    // The cell of a kept folder holds a lock on it as long as it lives.
+
+// The cell of a kept folder holds a lock on it as long as it lives.
+bool lock_comes_free(const QTemporaryDir &folder)
+{
     QProcess lock;
     lock.start("flock", {"--timeout", "60", folder.filePath("cell"), "true"});
-    QVERIFY(lock.waitForFinished(DEADLINE_MS + 10000));
-    QCOMPARE(lock.exitCode(), 0);
+    return lock.waitForFinished(DEADLINE_MS + 10000) && lock.exitCode() == 0;
+}
+
+// The environment with a bubblewrap that refuses process ids of its own.
+QProcessEnvironment without_process_ids(QProcessEnvironment environment, const QTemporaryDir &tools)
+{
+    QFile refusing(tools.filePath("bwrap"));
+    if (!refusing.open(QIODevice::WriteOnly))
+        qFatal("no bwrap can be made");
+    refusing.write("#!/bin/sh\ncase \" $* \" in *' --unshare-pid '*) exit 1 ;; esac\n"
+                   "PATH=${PATH#*:}\nexec bwrap \"$@\"\n");
+    refusing.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    environment.insert("PATH", tools.path() + ':' + environment.value("PATH"));
+    return environment;
+}
+
+} // namespace
+
+void Launcher::terminated_launcher_leaves_nothing_data()
+{
+    QTest::addColumn<bool>("own_ids");
+    QTest::addColumn<int>("signal");
+    QTest::newRow("terminated") << true << SIGTERM;
+    QTest::newRow("interrupted") << true << SIGINT;
+    QTest::newRow("hung up") << true << SIGHUP;
+    QTest::newRow("without process ids of its own") << false << SIGTERM;
+}
+
+void Launcher::terminated_launcher_leaves_nothing()
+{
+    QFETCH(bool, own_ids);
+    QFETCH(int, signal);
+    const QTemporaryDir folder;
+    const QTemporaryDir tools;
+    QProcess process;
+    process.setProcessEnvironment(own_ids ? m_environment
+                                          : without_process_ids(m_environment, tools));
+    process.start(LAUNCHER,
+                  {"--cell", folder.path(), "--start", "--", "sh", "-c",
+                   "trap 'echo ends; kill $!; exit 9' INT TERM HUP; sleep 1000 & echo up; wait"});
+    QTRY_VERIFY_WITH_TIMEOUT(process.bytesAvailable() > 0, DEADLINE_MS);
+    QVERIFY(QFile::exists(folder.filePath("cell/cell.sock")));
+    kill(static_cast<pid_t>(process.processId()), signal);
+    QVERIFY(process.waitForFinished(DEADLINE_MS));
+    QCOMPARE(process.exitCode(), 9);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("up\nends\n"));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QVERIFY(!QFile::exists(folder.filePath("cell/cell.sock")));
+    QVERIFY(lock_comes_free(folder));
     QCOMPARE(shell({"--cell", folder.path(), "--start"}, CELLCTL + " list >/dev/null").status, 0);
+}
+
+void Launcher::killed_launcher_takes_the_cell_along()
+{
+    const QTemporaryDir folder;
+    const QTemporaryDir tools;
+    QProcess process;
+    process.setProcessEnvironment(without_process_ids(m_environment, tools));
+    process.start(LAUNCHER, {"--cell", folder.path(), "--start", "--", "sh", "-c",
+                             "echo up; exec sleep 1000"});
+    QTRY_VERIFY_WITH_TIMEOUT(process.bytesAvailable() > 0, DEADLINE_MS);
+    process.kill();
+    QVERIFY(process.waitForFinished(DEADLINE_MS));
+    QVERIFY(lock_comes_free(folder));
+}
+
+// Wherever on the way to a running cell the signal meets it.
+void Launcher::terminated_while_the_cell_starts()
+{
+    const QTemporaryDir folder;
+    for (int round = 0; round < 8; ++round) {
+        QProcess process;
+        process.setProcessEnvironment(m_environment);
+        process.start(LAUNCHER,
+                      {"--cell", folder.path(), "--start", "--", "sh", "-c", "exec sleep 1000"});
+        QVERIFY(process.waitForStarted(DEADLINE_MS));
+        process.waitForReadyRead(round * 40);
+        process.terminate();
+        QVERIFY(process.waitForFinished(DEADLINE_MS));
+        QVERIFY2(process.exitStatus() == QProcess::CrashExit || process.exitCode() == 143,
+                 qPrintable(QString::number(process.exitCode())));
+        QVERIFY(!QDir(folder.filePath("cell")).exists() || lock_comes_free(folder));
+        QVERIFY(!QFile::exists(folder.filePath("cell/cell.sock")));
+    }
+}
+
+void Launcher::running_cell_keeps_its_marker()
+{
+    const QTemporaryDir folder;
+    QProcess first;
+    first.setProcessEnvironment(m_environment);
+    first.start(LAUNCHER, {"--cell", folder.path(), "--start", "--touch", "--", "sh", "-c",
+                           "echo up; read line; test -f /cell/vornax_ts.ini"});
+    QTRY_VERIFY_WITH_TIMEOUT(first.bytesAvailable() > 0, DEADLINE_MS);
+    QCOMPARE(shell({"--cell", folder.path(), "--start"}, "echo ran").status, CANNOT_RUN);
+    QCOMPARE(shell({"--cell", folder.path()}, "echo ran").status, CANNOT_RUN);
+    first.write("\n");
+    QVERIFY(first.waitForFinished(DEADLINE_MS));
+    QCOMPARE(first.exitCode(), 0);
+}
+
+void Launcher::input_goes_through()
+{
+    for (const QStringList &options : {QStringList{"--no-cell"}, QStringList{"--start"}}) {
+        QProcess process;
+        process.setProcessEnvironment(m_environment);
+        process.start(LAUNCHER, options + QStringList{"--", "cat"});
+        process.write("a line\n");
+        process.closeWriteChannel();
+        QVERIFY(process.waitForFinished(DEADLINE_MS));
+        QCOMPARE(process.readAllStandardOutput(), QByteArray("a line\n"));
+    }
 }
 
 // Runs the launcher under a root that can be written and has none of the four

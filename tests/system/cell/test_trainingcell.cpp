@@ -196,6 +196,10 @@ void TrainingCell::wrong_options_data()
         << QStringList{"--ready-fd", "77"} << 1 << "trainingcell: --ready-fd: Bad file descriptor";
     QTest::newRow("socket in no folder") << QStringList{"--socket", "/cell/no/cell.sock"} << 1
                                          << "trainingcell: /cell/no/cell.sock: No such file";
+    QTest::newRow("socket where a file is") << QStringList{"--socket", "/cell/cell.txt"} << 1
+                                            << "trainingcell: /cell/cell.txt: is there, and is no";
+    QTest::newRow("parent that is gone")
+        << QStringList{"--end-with", "1000000000"} << 1 << "trainingcell: whoever started it";
     QTest::newRow("socket with too long a name")
         << QStringList{"--socket", "/cell/" + QString(120, 'x')} << 1 << "trainingcell: /cell/xxx";
 }

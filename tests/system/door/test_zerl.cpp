@@ -22,6 +22,7 @@ private slots:
     void says_what_to_type();
     void lint_packages_are_for_lint();
     void tests_pass_their_status_on();
+    void tests_take_turns_without_name_spaces();
     void sanitized_tests();
     void moved_tree_is_built_afresh();
     void broken_cache_is_built_afresh();
@@ -29,6 +30,9 @@ private slots:
     void run_starts_cell_and_tool();
     void run_takes_folder_from_where_it_is_called();
     void run_without_display_carries_calibration_through();
+    void run_with_a_display_out_of_reach_says_what_to_type();
+    void run_on_wayland_alone();
+    void terminated_tour_ends_at_once();
     void failing_tour_fails();
     void benchmarks_close_with_their_ratios();
     void failing_benchmark_fails();
@@ -209,6 +213,17 @@ void Zerl::tests_pass_their_status_on()
     QVERIFY(outcome.output.endsWith("50% tests passed, 1 tests failed out of 2\n"));
 }
 
+void Zerl::tests_take_turns_without_name_spaces()
+{
+    Machine machine;
+    machine.command("nproc", "echo 4");
+    QCOMPARE(machine.zerl({"test"}).status, 0);
+    QCOMPARE(machine.calls("ctest --preset default --parallel 4").size(), 1);
+    machine.command("bwrap", "exit 1");
+    QCOMPARE(machine.zerl({"test"}).status, 0);
+    QCOMPARE(machine.calls("ctest --preset default --parallel 1").size(), 1);
+}
+
 void Zerl::sanitized_tests()
 {
     Machine machine;
@@ -259,14 +274,19 @@ void Zerl::failing_build_ends_it()
 namespace
 {
 
-// Lets the build leave a launcher behind that shows what it is given.
-void launcher(Machine &machine, int status)
+// Lets the build leave a launcher behind that shows what it is given, and a
+// panel that starts when the display can be reached.
+void launcher(Machine &machine, int status, bool reached = true)
 {
-    machine.command("cmake", "mkdir -p build/bin\n"
-                             "printf '#!/bin/sh\\necho \"launched $* on $DISPLAY\"\\nexit " +
-                                 QString::number(status) +
-                                 "\\n' >build/bin/privatecell\n"
-                                 "chmod +x build/bin/privatecell");
+    machine.command(
+        "cmake", "mkdir -p build/bin\n"
+                 "printf '#!/bin/sh\\necho \"launched $* on $DISPLAY $QT_QPA_PLATFORM\"\\nexit " +
+                     QString::number(status) +
+                     "\\n' >build/bin/privatecell\n"
+                     "printf '#!/bin/sh\\necho no such display >&2\\nexit " +
+                     (reached ? "0" : "134") +
+                     "\\n' >build/bin/cellpanel\n"
+                     "chmod +x build/bin/privatecell build/bin/cellpanel");
 }
 
 } // namespace
@@ -280,7 +300,7 @@ void Zerl::run_starts_cell_and_tool()
     const Outcome outcome = machine.zerl({"run", "--touch", "--cell", cell});
     QCOMPARE(outcome.status, 3);
     const QString expected = "launched --cell " + cell + " --start --panel --touch -- " +
-                             machine.path("build/bin/zerl_util") + " on :7\n";
+                             machine.path("build/bin/zerl_util") + " on :7 \n";
     QVERIFY2(outcome.output.endsWith(expected), qPrintable(outcome.output));
     QCOMPARE(machine.calls("ctest"), QStringList());
     QCOMPARE(machine.calls("Xvfb"), QStringList());
@@ -315,9 +335,55 @@ void Zerl::run_without_display_carries_calibration_through()
     QVERIFY(machine.calls("apt-get install").value(0).endsWith(" xvfb"));
     const QString tour = "--writable " + machine.path("build/tour") + " -- " +
                          machine.path("build/bin/zerl_tour") + ' ' + machine.path("build/tour") +
-                         " on :42\n";
+                         " on :42 xcb\n";
     QVERIFY2(outcome.output.contains(tour), qPrintable(outcome.output));
     QVERIFY(machine.exists("build/tour"));
+    QVERIFY2(outcome.output.contains("DISPLAY=:0 ./zerl run"), qPrintable(outcome.output));
+}
+
+void Zerl::run_with_a_display_out_of_reach_says_what_to_type()
+{
+    Machine machine;
+    launcher(machine, 0, false);
+    machine.environment("DISPLAY", ":7");
+    const Outcome outcome = machine.zerl({"run"});
+    QCOMPARE(outcome.status, 1);
+    for (const char *text : {"the display :7 cannot be reached", "no such display", "ssh -X",
+                             "xhost", "DISPLAY=:0 ./zerl run", "./zerl tour"})
+        QVERIFY2(outcome.errors.contains(text), qPrintable(outcome.errors));
+    QVERIFY(!outcome.output.contains("launched"));
+}
+
+void Zerl::run_on_wayland_alone()
+{
+    Machine machine;
+    launcher(machine, 0);
+    machine.environment("DISPLAY", "");
+    machine.environment("WAYLAND_DISPLAY", "wayland-0");
+    machine.not_installed({"qtwayland5"});
+    const Outcome outcome = machine.zerl({"run"});
+    QVERIFY2(outcome.output.endsWith(" on  wayland\n"), qPrintable(outcome.output));
+    QVERIFY(machine.calls("apt-get install").value(0).endsWith(" qtwayland5"));
+}
+
+// The tour's launcher terminates the script that started it, and is stopped in
+// order by it.
+void Zerl::terminated_tour_ends_at_once()
+{
+    Machine machine;
+    machine.command("cmake", "mkdir -p build/bin\n"
+                             "cat >build/bin/privatecell <<'END'\n"
+                             "#!/bin/sh\n"
+                             "trap 'echo stopped; exit 0' TERM\n"
+                             "kill -TERM \"$ZERL\"\n"
+                             "while :; do sleep 0.1; done\n"
+                             "END\n"
+                             "chmod +x build/bin/privatecell");
+    machine.command("Xvfb", "echo 42 >&3; echo \"export ZERL=$PPID\" >zerl.pid; exec sleep 600");
+    machine.command("timeout", "shift 2; . ./zerl.pid; exec \"$@\"");
+    const Outcome outcome = machine.zerl({"tour"});
+    QCOMPARE(outcome.status, 143);
+    QVERIFY2(outcome.output.endsWith("stopped\n"), qPrintable(outcome.output));
 }
 
 void Zerl::failing_tour_fails()

@@ -24,6 +24,18 @@ QByteArray inode_of(const QString &path)
     return QByteArray::number(static_cast<qulonglong>(status.st_ino));
 }
 
+// The inode of each name at the folder's last fsync.
+QMap<QString, QByteArray> safe_names(const QString &shadow)
+{
+    QMap<QString, QByteArray> names;
+    for (const QByteArray &line : read_file(shadow + "/names").split('\n')) {
+        const int blank = line.indexOf(' ');
+        if (blank > 0)
+            names[QString::fromUtf8(line.mid(blank + 1))] = line.left(blank);
+    }
+    return names;
+}
+
 } // namespace
 
 FolderContents read_folder(const QString &folder)
@@ -58,12 +70,9 @@ void begin_shadow(const QString &folder, const QString &shadow)
 FolderContents kept_names_and_contents(const QString &shadow)
 {
     FolderContents contents;
-    for (const QByteArray &line : read_file(shadow + "/names").split('\n')) {
-        const int blank = line.indexOf(' ');
-        if (blank > 0)
-            contents[QString::fromUtf8(line.mid(blank + 1))] =
-                read_file(shadow + "/" + line.left(blank));
-    }
+    const QMap<QString, QByteArray> names = safe_names(shadow);
+    for (auto name = names.begin(); name != names.end(); ++name)
+        contents[name.key()] = read_file(shadow + "/" + name.value());
     return contents;
 }
 
@@ -73,4 +82,20 @@ FolderContents kept_contents(const QString &folder, const QString &shadow)
     for (const QString &name : files_in(folder))
         contents[name] = read_file(shadow + "/" + inode_of(folder + "/" + name));
     return contents;
+}
+
+QMap<QString, FolderContents> lost_new_names(const QString &folder, const QString &shadow)
+{
+    QMap<QString, FolderContents> outcomes;
+    const FolderContents all = kept_contents(folder, shadow);
+    const QMap<QString, QByteArray> safe = safe_names(shadow);
+    // A name that was safe and now stands for another file was renamed to.
+    for (const QString &name : all.keys()) {
+        if (safe.contains(name))
+            continue;
+        FolderContents contents = all;
+        contents.remove(name);
+        outcomes[name] = contents;
+    }
+    return outcomes;
 }

@@ -24,5 +24,9 @@ void begin_shadow(const QString &folder, const QString &shadow);
 FolderContents kept_names_and_contents(const QString &shadow);
 // What it leaves when all names are kept, but contents only as made safe.
 FolderContents kept_contents(const QString &folder, const QString &shadow);
+// What it leaves when a rename is kept, but not the name of a file that was
+// created since the folder's last fsync: one outcome for each such name, by the
+// name that is lost. Contents are kept only as made safe.
+QMap<QString, FolderContents> lost_new_names(const QString &folder, const QString &shadow);
 
 #endif

@@ -103,8 +103,10 @@ void TransducerTest::conditions_have_names()
         QCOMPARE(static_cast<int>(condition), i);
     }
     Condition condition = Condition::Noisy;
-    QVERIFY(!condition_from_name("drifted", &condition));
-    QCOMPARE(condition, Condition::Noisy);
+    QVERIFY(condition_from_name("drifted", &condition));
+    QCOMPARE(condition, Condition::Drifted1);
+    QVERIFY(!condition_from_name("drifted4", &condition));
+    QCOMPARE(condition, Condition::Drifted1);
 }
 
 void TransducerTest::error_of_the_sensor()
