@@ -497,8 +497,8 @@ void Launcher::places_themselves_data()
     QTest::newRow("started") << QStringList{"--start"} << CELLCTL + " list | wc -l" << 0 << "27\n";
     QTest::newRow("kept") << QStringList{"--cell", "/tmp/kept", "--start"}
                           << "ls /tmp/kept/cell/cell.sock" << 0 << "/tmp/kept/cell/cell.sock\n";
-    QTest::newRow("terminated") << QStringList{"--start"} << "kill -TERM $PPID; sleep 1000" << 143
-                                << "";
+    QTest::newRow("terminated") << QStringList{"--start"} << "kill -TERM $PPID; exec sleep 1000"
+                                << 143 << "";
 }
 
 void Launcher::places_themselves()
