@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "frame/styles.h"
+#include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
 
 namespace
@@ -191,7 +192,12 @@ void Capture::reference_typed_and_not_left_is_taken()
 
 void Capture::statistics_of_the_point()
 {
-    QVERIFY(m_it->capture(1, 1300.0, 26.5));
+    QVERIFY(m_it->reading(1300.0));
+    {
+        const TableLock hold(m_it->window->table_mutex()); // no pass within the click
+        row(1)->value_field()->setText(QStringLiteral("26.5"));
+        m_it->button(1)->click();
+    }
     const POINT_STATISTICS &point = g_cfg->point_stats[1];
     QCOMPARE(point.mv_at_capture, 1300.0);
     QCOMPARE(point.mv_mean, 1300.0);
