@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <map>
 #include <set>
 #include <string>
 #include <thread>
@@ -178,6 +179,41 @@ double converted(const char *from, const char *to, double value)
     return out;
 }
 
+// A unit's size, counted in the first unit of its dimension that SCALES names.
+struct Size {
+    std::string root;
+    long double size;
+};
+
+std::map<std::string, Size> sizes_of_all()
+{
+    std::map<std::string, Size> sizes;
+    const auto spread = [&sizes] {
+        bool grew = false;
+        for (const Defined &unit : SCALES) {
+            const auto of_unit = sizes.find(unit.keyword);
+            const auto of_basis = sizes.find(unit.basis);
+            if (of_unit == sizes.end() && of_basis != sizes.end()) {
+                sizes[unit.keyword] = {of_basis->second.root, of_basis->second.size * unit.factor};
+                grew = true;
+            } else if (of_unit != sizes.end() && of_basis == sizes.end()) {
+                sizes[unit.basis] = {of_unit->second.root, of_unit->second.size / unit.factor};
+                grew = true;
+            }
+        }
+        return grew;
+    };
+    for (const Defined &unit : SCALES) {
+        if (sizes.count(unit.keyword) == 0)
+            sizes[unit.keyword] = {unit.keyword, 1.0L};
+        while (spread()) {
+        }
+    }
+    for (const Temperature &unit : TEMPERATURES)
+        sizes[unit.keyword] = {"temperature", unit.size};
+    return sizes;
+}
+
 // Within so many units in the last place of the expected number.
 bool near(double value, long double expected, int ulps)
 {
@@ -197,6 +233,7 @@ private slots:
     void every_unit_of_the_catalogue_is_tested();
     void scales_data();
     void scales();
+    void every_pair_of_the_catalogue();
     void temperatures_data();
     void temperatures();
     void many_threads_at_once();
@@ -232,6 +269,29 @@ void UnitScales::scales()
         const auto exact = static_cast<long double>(value);
         QVERIFY(near(converted(unit.keyword, unit.basis, value), exact * unit.factor, 4));
         QVERIFY(near(converted(unit.basis, unit.keyword, value), exact / unit.factor, 4));
+    }
+}
+
+// Units of one dimension to 12 digits of their defined ratio, others not at all.
+void UnitScales::every_pair_of_the_catalogue()
+{
+    const std::map<std::string, Size> sizes = sizes_of_all();
+    for (const auto &[from, source] : sizes) {
+        for (const auto &[to, target] : sizes) {
+            const bool alike = source.root == target.root;
+            const std::string pair = from + " to " + to;
+            QVERIFY2((units_dimension_check_key(from.c_str(), to.c_str()) == 0) == alike,
+                     pair.c_str());
+            if (!alike || source.root == "temperature")
+                continue; // those have zero points, see temperatures
+            for (const double value : {1.0, -29.92, 1e6}) {
+                const long double expected =
+                    static_cast<long double>(value) * source.size / target.size;
+                const long double error =
+                    static_cast<long double>(converted(from.c_str(), to.c_str(), value)) - expected;
+                QVERIFY2(std::fabs(error) <= 1e-12L * std::fabs(expected), pair.c_str());
+            }
+        }
     }
 }
 
