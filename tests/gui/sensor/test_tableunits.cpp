@@ -211,6 +211,8 @@ void TableUnitsSlot::three_points_and_what_stands_behind_them()
     QCOMPARE(int(current.num_points), 3);
     current.y[3] = 77.0;
     current.x[3] = 7777.0;
+    QTRY_COMPARE_WITH_TIMEOUT(g_cfg->redraw_all, uint16_t(0), DEADLINE_MS);
+    QCOMPARE(m_it->form->dataPlot->axisTitle(QwtPlot::yLeft).text(), QString("kPa"));
     const auto before = std::make_unique<ZERL_CFG>(*g_cfg);
     change_units(QStringLiteral("PSI"));
     QCOMPARE(g_cfg->redraw_all, uint16_t(1));

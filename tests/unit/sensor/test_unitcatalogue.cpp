@@ -56,6 +56,7 @@ private slots:
     void entries_keep_their_order_and_point_into_the_memory();
     void list_ends_at_the_first_blank_keyword_data();
     void list_ends_at_the_first_blank_keyword();
+    void last_letter_of_a_full_field_counts();
     void seven_hundred_records_without_a_blank_one();
     void keywords_without_terminator();
     void without_the_memory_each_list_is_empty();
@@ -168,6 +169,16 @@ void UnitLists::list_ends_at_the_first_blank_keyword()
     load(m_cfg.get());
     QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QStringList("BEFORE"));
     QCOMPARE(int(m_cfg->unit_counts[UNITS_OTHER]), 0);
+}
+
+void UnitLists::last_letter_of_a_full_field_counts()
+{
+    m_memory->add(100, QByteArray(15, ' ') + "K");
+    m_memory->add(100, "BEHIND");
+    m_memory->put_in_place();
+    load(m_cfg.get());
+    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE),
+             QStringList({QString(15, ' ') + "K", "BEHIND"}));
 }
 
 void UnitLists::seven_hundred_records_without_a_blank_one()
