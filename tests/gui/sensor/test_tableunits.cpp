@@ -237,18 +237,22 @@ void TableUnitsSlot::three_points_and_what_stands_behind_them()
 
 void TableUnitsSlot::limits_follow_the_new_units_data()
 {
+    QTest::addColumn<int>("channel");
     QTest::addColumn<QString>("unit");
     QTest::addColumn<double>("span");
-    QTest::newRow("PSI") << "PSI" << 100.0 / KPA_PER_PSI;
-    QTest::newRow("Pa") << "Pa" << 100000.0;
-    QTest::newRow("the same") << "kPa" << 100.0;
+    QTest::newRow("PSI") << 1 << "PSI" << 100.0 / KPA_PER_PSI;
+    QTest::newRow("Pa") << 1 << "Pa" << 100000.0;
+    QTest::newRow("the same") << 1 << "kPa" << 100.0;
+    // The span of 300 is converted as a reading of 300 is, zero point and all.
+    QTest::newRow("temperature") << 9 << "DEG_F" << 572.0;
 }
 
 void TableUnitsSlot::limits_follow_the_new_units()
 {
+    QFETCH(int, channel);
     QFETCH(QString, unit);
     QFETCH(double, span);
-    m_it->bind_afresh(1);
+    m_it->bind_afresh(channel);
     spoil_limits();
     change_units(unit);
     const TABLE_RECORD &table = g_cfg->table;
