@@ -130,10 +130,14 @@ struct SPECS_BLOCK {
     int32_t report_email_count;
 };
 
-// Values of the measurement system under test.
+// Values of the measurement system under test, engineering units.
 struct ENV_BLOCK {
-    double values[4];
+    double validation_nominal_range_min;
+    double validation_nominal_range_max;
+    double min_expected_val;
+    double max_expected_val;
 };
+HOST_SIZE(ENV_BLOCK, 4 * 8);
 
 // Statistics of the last monitor pass.
 struct SAMPLE_RECORD {

@@ -164,7 +164,7 @@ void Binding::switch_keeps()
     QVERIFY(QMetaObject::invokeMethod(m_it->window, "on_txtAveragingTime_editingFinished"));
     std::strcpy(g_cfg->value_units, "PSI");
     g_cfg->units_loaded = 1;
-    g_env->values[2] = 4.5;
+    g_env->min_expected_val = 4.5;
     std::strcpy(g_specs->temperature_var_name, "CELL_TEMP");
     m_it->pick(1);
     QCOMPARE(m_it->form->txtCalibrationQIE->text(), QStringLiteral("DWT-12"));
@@ -173,7 +173,7 @@ void Binding::switch_keeps()
     QCOMPARE(relaxed_load(g_fifo_size), uint32_t(50));
     QCOMPARE(QString::fromUtf8(g_cfg->value_units), QStringLiteral("PSI"));
     QCOMPARE(g_cfg->units_loaded, uint16_t(1));
-    QCOMPARE(g_env->values[2], 4.5);
+    QCOMPARE(g_env->min_expected_val, 4.5);
     QCOMPARE(QString::fromUtf8(g_specs->temperature_var_name), QStringLiteral("CELL_TEMP"));
     g_cfg->units_loaded = 0;
     m_it->form->txtAveragingTime->setText(QStringLiteral("10"));
