@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "host/operations.h"
@@ -14,58 +14,44 @@
 namespace
 {
 
-constexpr std::size_t WIDEST_NUMBER = 400; // 309 digits, sign, point and decimals
-
-// Appends formatted output; a line has at most six numbers.
-void put(QByteArray *text, const char *format, ...) __attribute__((format(printf, 2, 3)));
-void put(QByteArray *text, const char *format, ...)
-{
-    char line[8 * WIDEST_NUMBER];
-    va_list values;
-    va_start(values, format);
-    std::vsnprintf(line, sizeof line, format, values);
-    va_end(values);
-    text->append(line);
-}
-
-void put_results(QByteArray *text, const LinearityFigures &figures)
+void put_results(std::FILE *out, const LinearityFigures &figures)
 {
     const LINE_RPT &r = figures.record;
-    put(text, "Spreadsheet Values\n\n");
-    put(text, "D4  - Entered Points = %d\n", r.entered_points);
-    put(text, "D5  - xmin = %lf\n", r.x_min);
-    put(text, "D6  - xmax = %lf\n", r.x_max);
-    put(text, "D7  - Avg X = %lf\n", r.avg_x);
-    put(text, "D8  - Avg Y = %lf\n", r.avg_y);
-    put(text, "D9  - A0 = %lf\n", r.a0);
-    put(text, "D10 - A1 = %lf\n", r.a1);
-    put(text, "D11 - SEE = %lf\n", r.see);
-    put(text, "D12 - r2 = %lf\n", r.r2);
-    put(text, "D13 - Max Abs Error = %lf\t\tF13 - Ref Val: = %lf\n", r.max_abs_error,
-        r.x[r.abs_error_ref_index]);
-    put(text, "D14 - Max Rel Error = %lf\t\tF14 - Ref Val: = %lf\n", 100 * r.max_rel_error,
-        r.x[r.rel_error_ref_index]);
-    put(text, "D16 - %lf\n", r.intercept_check);
-    put(text, "D17 - %lf\n", 100 * r.intercept_check_frac);
-    put(text, "D18 - %lf\n", r.slope_check);
-    put(text, "D19 - %lf\n", 100 * r.see_check_frac);
-    put(text, "D20 - %lf\n\n", r.r2_check);
-    put(text, "Row24 - H24 = %lf\tI24 = %lf\tK24 = %lf\tM24 = %lf\tN24 = %lf\n\n ", figures.sum_a1n,
-        figures.sum_a1d, r.see_sum, figures.sum_cdd, figures.sum_cdn);
-    put(text, "P24 = %lf\tS24 = ????\tU24 = %lf\n\n\n", r.x_min, 100 * r.max_rel_error);
+    std::fprintf(out, "Spreadsheet Values\n\n");
+    std::fprintf(out, "D4  - Entered Points = %d\n", r.entered_points);
+    std::fprintf(out, "D5  - xmin = %lf\n", r.x_min);
+    std::fprintf(out, "D6  - xmax = %lf\n", r.x_max);
+    std::fprintf(out, "D7  - Avg X = %lf\n", r.avg_x);
+    std::fprintf(out, "D8  - Avg Y = %lf\n", r.avg_y);
+    std::fprintf(out, "D9  - A0 = %lf\n", r.a0);
+    std::fprintf(out, "D10 - A1 = %lf\n", r.a1);
+    std::fprintf(out, "D11 - SEE = %lf\n", r.see);
+    std::fprintf(out, "D12 - r2 = %lf\n", r.r2);
+    std::fprintf(out, "D13 - Max Abs Error = %lf\t\tF13 - Ref Val: = %lf\n", r.max_abs_error,
+                 r.x[r.abs_error_ref_index]);
+    std::fprintf(out, "D14 - Max Rel Error = %lf\t\tF14 - Ref Val: = %lf\n", 100 * r.max_rel_error,
+                 r.x[r.rel_error_ref_index]);
+    std::fprintf(out, "D16 - %lf\n", r.intercept_check);
+    std::fprintf(out, "D17 - %lf\n", 100 * r.intercept_check_frac);
+    std::fprintf(out, "D18 - %lf\n", r.slope_check);
+    std::fprintf(out, "D19 - %lf\n", 100 * r.see_check_frac);
+    std::fprintf(out, "D20 - %lf\n\n", r.r2_check);
+    std::fprintf(out, "Row24 - H24 = %lf\tI24 = %lf\tK24 = %lf\tM24 = %lf\tN24 = %lf\n\n ",
+                 figures.sum_a1n, figures.sum_a1d, r.see_sum, figures.sum_cdd, figures.sum_cdn);
+    std::fprintf(out, "P24 = %lf\tS24 = ????\tU24 = %lf\n\n\n", r.x_min, 100 * r.max_rel_error);
 }
 
-void put_point(QByteArray *text, const LinearityFigures &figures, int i)
+void put_point(std::FILE *out, const LinearityFigures &figures, int i)
 {
     const LINE_RPT &r = figures.record;
     const LinearityColumns &c = figures.columns;
-    put(text, "%d\t", i);
-    put(text, "%.8lf\t%.8lf\t%.8lf\t%.8lf\t%.8lf\t", r.x[i], r.y_avg[i], r.y_std[i], r.y_min[i],
-        r.y_max[i]);
-    put(text, "%lf\t%lf\t%lf\t%lf\t%lf\t%lf\t", c.a1n[i], c.a1d[i], c.s_calc[i], c.cdd[i], c.cdn[i],
-        std::fabs(r.x[i]));
-    put(text, "????\t");
-    put(text, "%lf\t%lf\t%lf\t\n", c.error[i], c.abs_error[i], c.abs_rel_error[i]);
+    std::fprintf(out, "%d\t", i);
+    std::fprintf(out, "%.8lf\t%.8lf\t%.8lf\t%.8lf\t%.8lf\t", r.x[i], r.y_avg[i], r.y_std[i],
+                 r.y_min[i], r.y_max[i]);
+    std::fprintf(out, "%lf\t%lf\t%lf\t%lf\t%lf\t%lf\t", c.a1n[i], c.a1d[i], c.s_calc[i], c.cdd[i],
+                 c.cdn[i], std::fabs(r.x[i]));
+    std::fprintf(out, "????\t");
+    std::fprintf(out, "%lf\t%lf\t%lf\t\n", c.error[i], c.abs_error[i], c.abs_rel_error[i]);
 }
 
 bool write_whole(const QByteArray &path, const QByteArray &text)
@@ -95,20 +81,28 @@ QByteArray linearity_dump_path(const char *table_name, const QDateTime &now)
 
 QByteArray linearity_dump(const LinearityFigures &figures)
 {
-    QByteArray text;
-    put_results(&text, figures);
-    put(&text, "Point Values\nPt\tXReference\tYAverage\tYStdDev\tYMin\tYMax\ta1n\ta1d\tsCalc\tcdd\t"
-               "cdn\tAbs(x)\tRegLine\tError\tAbs(Error)\tAbsRelError\n");
+    char *buffer = nullptr;
+    std::size_t size = 0;
+    std::FILE *out = open_memstream(&buffer, &size);
+    if (out == nullptr)
+        return QByteArray();
+    put_results(out, figures);
+    std::fprintf(
+        out, "Point Values\nPt\tXReference\tYAverage\tYStdDev\tYMin\tYMax\ta1n\ta1d\tsCalc\tcdd\t"
+             "cdn\tAbs(x)\tRegLine\tError\tAbs(Error)\tAbsRelError\n");
     const int rows = std::clamp<int32_t>(figures.record.entered_points, 0, MAX_POINTS);
     for (int i = 0; i < rows; ++i)
-        put_point(&text, figures, i);
-    put(&text, "\n\n");
-    put(&text, "P131 = %lf\n", figures.min_abs_x);
-    put(&text, "T131 = %lf\n", figures.record.max_abs_error);
-    put(&text, "U131 = %lf\n", figures.record.max_rel_error_work);
-    put(&text, "P134 = %d\n", figures.min_index);
-    put(&text, "T134 = %d\n", figures.abs_index);
-    put(&text, "U134 = %d\n", figures.rel_index);
+        put_point(out, figures, i);
+    std::fprintf(out, "\n\n");
+    std::fprintf(out, "P131 = %lf\n", figures.min_abs_x);
+    std::fprintf(out, "T131 = %lf\n", figures.record.max_abs_error);
+    std::fprintf(out, "U131 = %lf\n", figures.record.max_rel_error_work);
+    std::fprintf(out, "P134 = %d\n", figures.min_index);
+    std::fprintf(out, "T134 = %d\n", figures.abs_index);
+    std::fprintf(out, "U134 = %d\n", figures.rel_index);
+    std::fclose(out);
+    QByteArray text(buffer, static_cast<int>(size));
+    std::free(buffer);
     return text;
 }
 

@@ -149,6 +149,11 @@ const char HEAD[] =
     "<br />"
     "<br />";
 
+const char ABS_NOTE[] = "<td class='all_on_center'>* Abs. Error is the true absolute error "
+                        "determined from the difference from measured and reference values.</td>";
+const char REL_NOTE[] = "<td class='all_on_center'>** Rel. Error over the range outside +/- 0.2 * "
+                        "X<sub>max</sub> or of non-zero reference points</td>";
+
 const char NEXT_TABLE[] = "</table><br/><table width='100%'>";
 
 QByteArray text_of(const QDateTime &time, const char *format)
@@ -252,13 +257,11 @@ Rows regression_rows(const ReportSources &s)
         // Does not close but opens once more.
         Row({right("Max Abs Error*:"), centre(plain(f.max_abs_error)), absolute,
              centre(plain(f.max_abs_error_x - f.unit_zero_offset)), units,
-             "<td class='all_on_center'>* Abs. Error is the true absolute error determined from "
-             "the difference from measured and reference values.</td>"}, "<tr>"),
+             ABS_NOTE}, "<tr>"),
         {right("Max Rel Error**:"), centre(plain(100 * f.max_rel_error)),
          "<td class='all_on_center'>%</td>",
          centre(plain(f.max_rel_error_x - f.unit_zero_offset)), units,
-         "<td class='all_on_center'>** Rel. Error over the range outside +/- 0.2 * "
-         "X<sub>max</sub> or of non-zero reference points</td>"},
+         REL_NOTE},
         {SPACER},
     };
     // clang-format on

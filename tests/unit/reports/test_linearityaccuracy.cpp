@@ -31,6 +31,7 @@ std::vector<Pair> nist_pairs(const char *name)
     const QJsonArray x = data["x"].toArray();
     const QJsonArray y = data["y"].toArray();
     std::vector<Pair> pairs;
+    pairs.reserve(static_cast<std::size_t>(x.size()));
     for (int i = 0; i < x.size(); ++i)
         pairs.push_back({number(x[i]), number(y[i])});
     return pairs;
