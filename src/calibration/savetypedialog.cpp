@@ -2,8 +2,8 @@
 #include "calibration/savetypedialog.h"
 
 #include <QScreen>
-#include <QWindow>
 
+#include "calibration/dialogplace.h"
 #include "calibration/questions.h"
 #include "frame/mainwindow.h"
 #include "frame/messagebox.h"
@@ -13,21 +13,10 @@
 namespace
 {
 
-// The place beside the process column; moved back where it would leave the
-// screen.
-QRect place_on_screen(const QWidget *window)
+QRect place_beside_process(const QWidget *parent)
 {
-    const int top = window != nullptr ? window->window()->y() : 0;
-    QRect place(QPoint(280, top + 250), QPoint(860, top + 553));
-    const QScreen *screen = window != nullptr ? window->window()->screen() : nullptr;
-    if (screen == nullptr)
-        return place;
-    const QRect available = screen->availableGeometry();
-    place.moveRight(qMin(place.right(), available.right()));
-    place.moveBottom(qMin(place.bottom(), available.bottom()));
-    place.moveLeft(qMax(place.left(), available.left()));
-    place.moveTop(qMax(place.top(), available.top()));
-    return place;
+    const QWidget *window = parent->window();
+    return recording_dialog_place(window->y(), window->screen()->availableGeometry());
 }
 
 } // namespace
@@ -37,7 +26,7 @@ SaveTypeDialog::SaveTypeDialog(QWidget *parent, uint16_t done)
 {
     ui->setupUi(this);
     setWindowFlags(TITLE_BAR_ONLY);
-    setGeometry(place_on_screen(parent));
+    setGeometry(place_beside_process(parent));
     connect(ui->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
     if (g_touch_input) {
         ui->txtComment->setProperty("keyboard", true);
@@ -72,11 +61,11 @@ void SaveTypeDialog::on_btnRecord_clicked()
     }
 }
 
-bool SaveTypeDialog::description_given(int mark)
+bool SaveTypeDialog::description_given(QUESTION_MARK mark)
 {
     if (!ui->txtComment->text().isEmpty())
         return true;
-    ask_question(this, static_cast<QUESTION_MARK>(mark));
+    ask_question(this, mark);
     ui->txtComment->setFocus();
     return false;
 }

@@ -6,6 +6,8 @@
 
 #include <QDialog>
 
+#include "calibration/processtables.h"
+
 class MainWindow;
 
 namespace Ui
@@ -28,7 +30,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    bool description_given(int mark);
+    bool description_given(QUESTION_MARK mark);
     void record(void (MainWindow::*recording)());
 
     Ui::SaveTypeDialog *ui;

@@ -89,6 +89,7 @@ public:
 
     // Writes the present time into a process box and its copy in g_ws_block.
     void stamp(QLineEdit *box, char (&copy)[80]);
+    const QDateTime &correlation_time() const { return m_correlation_time; } // the last stamp
     // Advice of the process: rich text, or none on the cream background.
     void clear_next_step();
 
