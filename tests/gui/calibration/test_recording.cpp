@@ -3,7 +3,6 @@
 // The straight road of a recording: technician and working standard are given,
 // every point is captured, the dialog asks for the kind of data.
 #include <QRadioButton>
-#include <QScreen>
 #include <QtTest>
 
 #include "calibration/savetypedialog.h"
@@ -34,7 +33,6 @@ private slots:
     void dialog_form_data();
     void dialog_form();
     void dialog_opens_with_nothing_chosen();
-    void dialog_stands_beside_the_process_panel();
     void nothing_chosen_records_nothing();
     void names_are_asked_for_first_data();
     void names_are_asked_for_first();
@@ -182,18 +180,6 @@ void Recording::dialog_opens_with_nothing_chosen()
     QVERIFY(!dialog.findChild<QLineEdit *>(QStringLiteral("txtComment"))
                  ->property("keyboard")
                  .isValid());
-}
-
-void Recording::dialog_stands_beside_the_process_panel()
-{
-    const SaveTypeDialog dialog(m_it->window, 0);
-    const int top = m_it->window->y();
-    const QRect place(QPoint(280, top + 250), QPoint(860, top + 553));
-    const QRect screen = m_it->window->screen()->availableGeometry();
-    if (screen.contains(place))
-        QCOMPARE(dialog.geometry(), place);
-    else
-        QVERIFY(screen.contains(dialog.geometry()));
 }
 
 void Recording::nothing_chosen_records_nothing()

@@ -2,6 +2,7 @@
 //
 // The recording dialog as it is used: where it stands, what it insists on, and
 // what each of its ways out leaves behind.
+#include <QLabel>
 #include <QScreen>
 #include <QtTest>
 
@@ -74,18 +75,23 @@ void SaveType::stands_where_the_window_is()
     const int window_top = m_it->it.window->y();
     const QRect screen = m_it->it.window->screen()->availableGeometry();
     QRect place;
-    Qt::WindowFlags flags;
+    QStringList cut; // labels without room for their text
     bool modal = false;
     BoxAnswerer answerer;
     answerer.expect_dialog(DIALOG, [&](QDialog *dialog) {
         place = dialog->geometry();
         modal = dialog->isModal();
+        for (const QLabel *label : dialog->findChildren<QLabel *>()) {
+            if (label->height() < label->heightForWidth(label->width()))
+                cut.append(label->objectName());
+        }
     });
     m_it->it.form->btnRecordData->click();
     m_it->it.window->move(former);
     QCOMPARE(window_top, top);
     QCOMPARE(place, recording_dialog_place(top, screen));
     QVERIFY(screen.contains(place));
+    QCOMPARE(cut, QStringList());
     QVERIFY(modal);
     QVERIFY(BoxAnswerer::has_title_bar_only(answerer.met().first()));
 }
