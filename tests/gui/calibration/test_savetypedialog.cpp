@@ -267,6 +267,7 @@ void SaveType::cancel_keeps_the_former_description()
     m_it->set_buttons(true, false);
     m_it->captured(2);
     const PanelLook before = m_it->look();
+    QVERIFY(m_it->it.ticks(3)); // what the binding has the plot do is done
     m_it->it.form->dataPlot->setAxisScale(QwtPlot::xBottom, -7.0, -6.0);
     BoxAnswerer answerer;
     answerer.expect_dialog(DIALOG, [by_key](QDialog *dialog) {
