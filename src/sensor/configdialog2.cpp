@@ -33,18 +33,6 @@ QString date_text(int64_t seconds)
     return QString::fromUtf8(text);
 }
 
-QLabel *label_of_class(int tolerance_class, QLabel *ooa, QLabel *oot, QLabel *soot)
-{
-    switch (tolerance_class) {
-    case CLASS_OOA:
-        return ooa;
-    case CLASS_OOT:
-        return oot;
-    default:
-        return soot;
-    }
-}
-
 } // namespace
 
 ConfigDialog2::ConfigDialog2(QWidget *parent, bool show_reason, uint32_t reason)
@@ -196,8 +184,8 @@ void ConfigDialog2::on_btnCancel_clicked()
 
 double ConfigDialog2::get_tolerance_value(int tolerance_class)
 {
-    const QLabel *const label = label_of_class(tolerance_class, ui->lblOOATolerance,
-                                               ui->lblOOTTolerance, ui->lblSOOTTolerance);
+    const QLabel *const label =
+        of_class(tolerance_class, ui->lblOOATolerance, ui->lblOOTTolerance, ui->lblSOOTTolerance);
     const TokenReading reading = read_tolerance(
         label->text().toUtf8(), none_tolerance_token(tolerance_class).toUtf8(), g_cfg->table);
     if (reading.warning != nullptr)
@@ -211,17 +199,13 @@ double ConfigDialog2::get_bias_value(int tolerance_class)
 {
     // The warning is dropped here too, as the load operation drops it.
     const QLabel *const label =
-        label_of_class(tolerance_class, ui->lblOOABias, ui->lblOOTBias, ui->lblSOOTBias);
+        of_class(tolerance_class, ui->lblOOABias, ui->lblOOTBias, ui->lblSOOTBias);
     return read_bias(label->text().toUtf8(), g_cfg->table).value;
 }
 
 void ConfigDialog2::load_tolerances_and_biases()
 {
-    TABLE_RECORD &table = g_cfg->table;
-    table.ooa_bias = get_bias_value(CLASS_OOA);
-    table.ooa_tol = get_tolerance_value(CLASS_OOA);
-    table.oot_bias = get_bias_value(CLASS_OOT);
-    table.oot_tol = get_tolerance_value(CLASS_OOT);
-    table.soot_bias = get_bias_value(CLASS_SOOT);
-    table.soot_tol = get_tolerance_value(CLASS_SOOT);
+    refresh_limits(
+        &g_cfg->table, [this](int tolerance_class) { return get_bias_value(tolerance_class); },
+        [this](int tolerance_class) { return get_tolerance_value(tolerance_class); });
 }

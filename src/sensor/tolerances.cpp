@@ -67,19 +67,6 @@ double as_fraction(const char *token, double value)
     return value;
 }
 
-const QString &token_of_class(int tolerance_class, const QString &ooa, const QString &oot,
-                              const QString &soot)
-{
-    switch (tolerance_class) {
-    case CLASS_OOA:
-        return ooa;
-    case CLASS_OOT:
-        return oot;
-    default:
-        return soot;
-    }
-}
-
 } // namespace
 
 void set_none_instance_tokens()
@@ -95,13 +82,13 @@ void set_none_instance_tokens()
 
 const QString &none_tolerance_token(int tolerance_class)
 {
-    return token_of_class(tolerance_class, ooa_tolerance_token, oot_tolerance_token,
-                          soot_tolerance_token);
+    return of_class(tolerance_class, ooa_tolerance_token, oot_tolerance_token,
+                    soot_tolerance_token);
 }
 
 const QString &none_bias_token(int tolerance_class)
 {
-    return token_of_class(tolerance_class, ooa_bias_token, oot_bias_token, soot_bias_token);
+    return of_class(tolerance_class, ooa_bias_token, oot_bias_token, soot_bias_token);
 }
 
 void split_value_token(const char *token, char *value_text, char *unit_text)
@@ -165,11 +152,7 @@ double get_bias_value(int tolerance_class, ZERL_CFG *cfg)
 
 void load_tolerances_and_biases(ZERL_CFG *cfg)
 {
-    TABLE_RECORD &table = cfg->table;
-    table.ooa_bias = get_bias_value(CLASS_OOA, cfg);
-    table.ooa_tol = get_tolerance_value(CLASS_OOA, cfg);
-    table.oot_bias = get_bias_value(CLASS_OOT, cfg);
-    table.oot_tol = get_tolerance_value(CLASS_OOT, cfg);
-    table.soot_bias = get_bias_value(CLASS_SOOT, cfg);
-    table.soot_tol = get_tolerance_value(CLASS_SOOT, cfg);
+    refresh_limits(
+        &cfg->table, [cfg](int tolerance_class) { return get_bias_value(tolerance_class, cfg); },
+        [cfg](int tolerance_class) { return get_tolerance_value(tolerance_class, cfg); });
 }

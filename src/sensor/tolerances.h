@@ -49,6 +49,20 @@ extern QString soot_tolerance_token;
 // Instance in force: every writer stores 0 and nothing reads it.
 extern uint16_t mua_instance_index;
 
+// That one of three that belongs to a class.
+template <typename Type>
+const Type &of_class(int tolerance_class, const Type &ooa, const Type &oot, const Type &soot)
+{
+    switch (tolerance_class) {
+    case CLASS_OOA:
+        return ooa;
+    case CLASS_OOT:
+        return oot;
+    default:
+        return soot;
+    }
+}
+
 // Sets the name and the six tokens of the NONE instance.
 void set_none_instance_tokens();
 
@@ -91,8 +105,20 @@ TokenReading read_bias(const char *token, const TABLE_RECORD &table);
 double get_tolerance_value(int tolerance_class, ZERL_CFG *cfg);
 double get_bias_value(int tolerance_class, ZERL_CFG *cfg);
 
-// Refreshes the record's six values: bias and tolerance of each class in turn,
-// each stored before the next is read.
+// The one refresh sequence: bias(class) and tolerance(class) of each class in
+// turn, each stored before the next is read.
+template <typename Bias, typename Tolerance>
+void refresh_limits(TABLE_RECORD *table, Bias bias, Tolerance tolerance)
+{
+    table->ooa_bias = bias(CLASS_OOA);
+    table->ooa_tol = tolerance(CLASS_OOA);
+    table->oot_bias = bias(CLASS_OOT);
+    table->oot_tol = tolerance(CLASS_OOT);
+    table->soot_bias = bias(CLASS_SOOT);
+    table->soot_tol = tolerance(CLASS_SOOT);
+}
+
+// Refreshes the record's six values with the load operations.
 void load_tolerances_and_biases(ZERL_CFG *cfg);
 
 #endif
