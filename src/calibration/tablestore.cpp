@@ -141,18 +141,27 @@ void replace_table(ZERL_CFG *cfg)
     create_table(cfg->tbl_path, &cfg->table);
 }
 
-} // namespace
-
-QByteArray history_command(const char *tbl_path, const char *old_path)
+template <std::size_t Size> void bound_text(char (&field)[Size])
 {
-    const QByteArray command = "cat " + for_shell(tbl_path) + " >> " + for_shell(old_path);
-    // Quotes may take an odd name past the usual length; a cut command would
-    // write to another file.
-    const bool plain = plain_for_shell(tbl_path) && plain_for_shell(old_path);
-    return plain ? command.left(static_cast<int>(COMMAND_SIZE) - 1) : command;
+    copyn(__FILE__, __LINE__, field, field, Size);
 }
 
-int32_t read_channel_table(const char *path, TABLE_RECORD *table)
+// A text that fills its field to the last byte would run into the next one.
+void bound_texts(TABLE_RECORD *table)
+{
+    bound_text(table->description);
+    bound_text(table->qie);
+    bound_text(table->verified_by);
+    bound_text(table->cal_comment);
+    bound_text(table->sensor_model);
+    bound_text(table->sensor_serial_no);
+    bound_text(table->sensor_units);
+    bound_text(table->table_name);
+    bound_text(table->eng_units);
+    bound_text(table->mua_instance_name);
+}
+
+int32_t read_files(const char *path, TABLE_RECORD *table)
 {
     TABLE_RECORD *records[ARCHIVE_POINTERS] = {};
     void *aux[ARCHIVE_POINTERS] = {};
@@ -170,6 +179,24 @@ int32_t read_channel_table(const char *path, TABLE_RECORD *table)
         check_table_against_archive(table, &from_tbl, tbl_name, save_name);
     }
     return 0;
+}
+
+} // namespace
+
+QByteArray history_command(const char *tbl_path, const char *old_path)
+{
+    const QByteArray command = "cat " + for_shell(tbl_path) + " >> " + for_shell(old_path);
+    // Quotes may take an odd name past the usual length; a cut command would
+    // write to another file.
+    const bool plain = plain_for_shell(tbl_path) && plain_for_shell(old_path);
+    return plain ? command.left(static_cast<int>(COMMAND_SIZE) - 1) : command;
+}
+
+int32_t read_channel_table(const char *path, TABLE_RECORD *table)
+{
+    const int32_t status = read_files(path, table);
+    bound_texts(table);
+    return status;
 }
 
 void check_table_against_archive(const TABLE_RECORD *archived, const TABLE_RECORD *from_tbl,

@@ -16,8 +16,9 @@ constexpr int32_t REBUILD_WAIT_MS = 2000;
 extern int32_t g_rebuild_wait_ms; // REBUILD_WAIT_MS but in tests
 
 // Reads a channel's table, the archive first: an archive record wins over the
-// .tbl for all data but mua_instance_name and description. Returns the status
-// of the read, 65535 as a 16-bit value for failure.
+// .tbl for all data but mua_instance_name and description. Its texts end within
+// their fields, whatever the file holds. Returns the status of the read, 65535 as
+// a 16-bit value for failure.
 int32_t read_channel_table(const char *path, TABLE_RECORD *table);
 
 // Tells the user where the two files differ; changes nothing.
