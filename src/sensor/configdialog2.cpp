@@ -9,7 +9,10 @@
 #include "frame/functions.h"
 #include "frame/messagebox.h"
 #include "frame/zerl_cfg.h"
+#include "host/operations.h"
+#include "sensor/tablevalueunitsdialog.h"
 #include "sensor/tolerances.h"
+#include "sensor/unitcatalogue.h"
 #include "sensor/unitkeywords.h"
 #include "ui_configdialog2.h"
 
@@ -180,6 +183,27 @@ void ConfigDialog2::on_btnCancel_clicked()
         tell(QStringLiteral("Changes Lost"),
              QStringLiteral("Changes made to the Calibration Configuration will be lost."));
     reject();
+}
+
+void ConfigDialog2::on_btnSensorUnits_clicked()
+{
+    units_for_table = 0;
+    units_for_sensor = 1;
+    TableValueUnitsDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted && unit_is_picked(g_cfg))
+        take_picked_units();
+}
+
+// The limits keep their physical meaning. The record's sensor units wait for OK;
+// table_units change at once, and Cancel does not put them back.
+void ConfigDialog2::take_picked_units()
+{
+    const QByteArray old_units = ui->btnSensorUnits->text().toUtf8();
+    for (QLineEdit *field : {ui->txtLowerRangeLimit, ui->txtUpperRangeLimit})
+        field->setText(
+            limit_text(converted(old_units, g_cfg->value_units, field->text().toDouble())));
+    copyn(__FILE__, __LINE__, g_cfg->table_units, g_cfg->value_units, sizeof g_cfg->table_units);
+    ui->btnSensorUnits->setText(record_text(g_cfg->table_units));
 }
 
 double ConfigDialog2::get_tolerance_value(int tolerance_class)

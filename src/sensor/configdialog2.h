@@ -50,6 +50,7 @@ protected:
 private slots:
     void on_btnOk_clicked();
     void on_btnCancel_clicked();
+    void on_btnSensorUnits_clicked();
 
 private:
     void set_up_touch_input();
@@ -58,6 +59,7 @@ private:
     void show_limits();
     SensorForm sensor_form() const;
     void refuse_form();
+    void take_picked_units();
     void load_tolerances_and_biases();
     void tell(const QString &title, const QString &text);
 
