@@ -260,6 +260,15 @@ void TableInformationAnswers::cancel_data()
     row("lower limit no number, upper the same", nan, 100, "txtUpperRangeLimit", "100", false);
     row("neither a number", nan, nan, "txtUpperRangeLimit", "200", false);
     row("neither a number, description changed", nan, nan, "txtDescription", "Exhaust", true);
+    row("upper no number, lower changed", 0, nan, "txtLowerRangeLimit", "1", true);
+    row("upper no number, upper typed", 0, nan, "txtUpperRangeLimit", "100", false);
+    row("lower no number, lower typed: the upper decides", nan, 100, "txtLowerRangeLimit", "1",
+        false);
+    row("lower no number, upper typed as nan", nan, 100, "txtUpperRangeLimit", "nan", false);
+    row("lower no number, upper changed by 1e-7", nan, 100, "txtUpperRangeLimit", "100.0000001",
+        false);
+    row("a blank more", 0, 100, "txtDescription", "Intake pressure ", true);
+    row("another case", 0, 100, "btnSensorUnits", "KPA", true);
 }
 
 void TableInformationAnswers::cancel()

@@ -72,6 +72,10 @@ void SensorRange::record_reason_data()
     row("lower limit no number", nan, 100, "kPa", "kPa", 3);
     row("upper limit no number", 0, nan, "kPa", "kPa", 3);
     row("neither a number", nan, nan, "kPa", "kPa", 3);
+    row("1e-7 apart", 0, 1e-7, "kPa", "kPa", 2);
+    row("without ends", -qInf(), qInf(), "kPa", "kPa", 0);
+    row("both limits the same infinity: their difference is no number", qInf(), qInf(), "kPa",
+        "kPa", 0);
     row("units missing", 0, 100, "", "kPa", 5);
     row("units none", 0, 100, "none", "kPa", 6);
     row("units NONE", 0, 100, "NONE", "kPa", 6);
@@ -123,6 +127,14 @@ void SensorRange::form_reason_data()
     row("upper limit unreadable", "-5", "1,5", "kPa", 4);
     row("lower limit empty", "", "100", "kPa", 4);
     row("too large to read", "0", "1e999", "kPa", 4);
+    row("too large to read, and so above the upper limit", "1e400", "100", "kPa", 1);
+    row("blanks around a number", " 5 ", "50", "kPa", 0);
+    row("a comma reads as 0", "5,0", "0", "kPa", 2);
+    row("a comma", "5,0", "50", "kPa", 4);
+    row("NAN in capitals", "NAN", "100", "kPa", 0);
+    row("keyword of 16 characters", "0", "100", "kPakPakPakPakPak", 7);
+    row("keyword of 16 characters with none in it", "0", "100", "kPakPanonekPakPa", 6);
+    row("keyword of blanks is not missing, and unknown", "0", "100", "   ", 7);
     row("units missing", "0", "100", "", 5);
     row("units none", "0", "100", "none", 6);
     row("units NONE", "0", "100", "NONE", 6);

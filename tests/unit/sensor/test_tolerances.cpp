@@ -179,6 +179,8 @@ void Tolerances::none_tolerances_data()
     row("and the other way", 0, 100, "kPa", "PSI", 1.0 / KPA_PER_PSI);
     row("a percent sensor: tolerances are absolute", 0, 50, "PCT", "PCT", 1.0);
     row("a fraction sensor: absolute, as fractions", 0, 50, "FRAC", "FRAC", 0.01);
+    row("the span of a temperature is converted with the zero point", 0, 100, "DEG_C", "DEG_F",
+        2.12);
     row("no sensor units: the span stands as it is", 0, 100, "", "kPa", 1.0);
 }
 
