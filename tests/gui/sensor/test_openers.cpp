@@ -68,6 +68,7 @@ private slots:
     void bad_range_at_a_capture_data() { bad_ranges(); }
     void bad_range_at_a_capture();
     void menu_judges_nothing();
+    void rows_follow_the_states_that_the_table_brought();
     void dialog_of_a_capture_clears_nothing();
     void limits_closer_than_the_records_rule_come_back_at_the_next_selection();
     void percent_sensor_and_other_table_warn_three_times_in_a_row();
@@ -196,6 +197,27 @@ void Openers::menu_judges_nothing()
     m_it->form->actionTable_Info->trigger();
     QCOMPARE(answerer.met().size(), 1);
     QVERIFY(goes_on());
+}
+
+// A table that was saved after its captures brings their states along. Binding
+// passes them over, OK from the menu does not.
+void Openers::rows_follow_the_states_that_the_table_brought()
+{
+    m_it->bind_afresh(0);
+    for (int i = 0; i < 5; ++i)
+        QCOMPARE(g_cfg->table.point_state[i], int32_t(POINT_CAPTURED));
+    g_cfg->table.point_state[1] = POINT_AS_IN_TABLE;
+    g_cfg->table.point_state[2] = POINT_NEW;
+    QCOMPARE(m_it->window->row(0)->caption(), QStringLiteral("Capture"));
+    BoxAnswerer answerer;
+    answerer.expect_dialog(DIALOG, press_ok);
+    m_it->form->actionTable_Info->trigger();
+    QCOMPARE(answerer.met().size(), 1);
+    const char *const captions[] = {"Undo", "Capture", "Capture New", "Undo", "Undo"};
+    for (int i = 0; i < 5; ++i)
+        QCOMPARE(m_it->window->row(i)->caption(), QString(captions[i]));
+    QCOMPARE(g_captured_points, 0);
+    m_it->forget_work();
 }
 
 // The box speaks of clearing; the window's own work at a capture stays.
