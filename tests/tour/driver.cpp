@@ -11,13 +11,31 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QScreen>
 #include <QScrollArea>
 #include <QTest>
 #include <QTimer>
 
+#include "tests/tour/marks.h"
+
 namespace tour
 {
+
+namespace
+{
+
+QString plain_text(const QAbstractButton *button)
+{
+    return button->text().remove(QLatin1Char('&'));
+}
+
+} // namespace
+
+Driver::Driver(const QString &folder) : m_folder(folder)
+{
+    qApp->installEventFilter(this);
+}
 
 void Driver::tell(const QString &text)
 {
@@ -114,12 +132,82 @@ void Driver::with_dialog(const std::function<void()> &action,
             return;
         watcher.stop();
         answered = true;
+        --m_awaited;
         settle();
         answer(modal);
     });
     watcher.start(20);
+    ++m_awaited;
     action();
     check(answered, QStringLiteral("no window opened"));
+}
+
+void Driver::answer(const std::function<void()> &action, const QString &mark, const QString &button,
+                    const QString &picture_name)
+{
+    with_dialog(action, [&](QWidget *dialog) {
+        auto *box = qobject_cast<QMessageBox *>(dialog);
+        check(box != nullptr, QStringLiteral("no question came, ") + mark);
+        check(mark_of(box->windowTitle(), box->text()) == mark,
+              QStringLiteral("not the question %1: %2: %3")
+                  .arg(mark, box->windowTitle(), box->text()));
+        if (!picture_name.isEmpty())
+            picture(picture_name);
+        for (QAbstractButton *candidate : box->buttons()) {
+            if (plain_text(candidate) == button) {
+                QTest::mouseClick(candidate, Qt::LeftButton);
+                return;
+            }
+        }
+        check(false, QStringLiteral("question %1 has no button %2").arg(mark, button));
+    });
+}
+
+bool Driver::eventFilter(QObject *object, QEvent *event)
+{
+    if (event->type() == QEvent::Show) {
+        if (auto *box = qobject_cast<QMessageBox *>(object))
+            note(box);
+    }
+    return false;
+}
+
+void Driver::note(QMessageBox *box)
+{
+    const int index = m_questions.size();
+    m_questions.append({mark_of(box->windowTitle(), box->text()), box->windowTitle(), box->text(),
+                        QStringLiteral("(none)")});
+    connect(box, &QMessageBox::buttonClicked, this, [this, index](QAbstractButton *button) {
+        m_questions[index].answer = plain_text(button);
+    });
+    if (m_awaited == 0) {
+        QTimer::singleShot(200, this, [this, index] {
+            check(false, QStringLiteral("a question that nobody awaits: %1: %2")
+                             .arg(m_questions[index].title, m_questions[index].text));
+        });
+    }
+}
+
+void Driver::tell_questions()
+{
+    tell(QStringLiteral("%1 questions, in the order in which they were met:")
+             .arg(m_questions.size()));
+    int number = 0;
+    for (const Question &met : m_questions)
+        tell(QStringLiteral("%1. %2 | %3 | %4 | %5")
+                 .arg(++number, 3)
+                 .arg(met.mark, met.title, met.text.simplified(), met.answer));
+}
+
+void Driver::expect_record(const char *table, const char *step)
+{
+    m_expected_files.append(
+        QStringLiteral("record %1 %2").arg(QLatin1String(table), QLatin1String(step)));
+}
+
+void Driver::expect_rewritten(const char *table)
+{
+    m_expected_files.append(QStringLiteral("rewritten %1").arg(QLatin1String(table)));
 }
 
 void Driver::picture(const QString &name)

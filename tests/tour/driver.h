@@ -9,21 +9,32 @@
 #include <functional>
 
 #include <QLineEdit>
+#include <QList>
 #include <QPushButton>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include "hostsim/cell/cellclient.h"
 
 class QComboBox;
+class QMessageBox;
 
 namespace tour
 {
 
-class Driver
+// A message box as it was met.
+struct Question {
+    QString mark; // see marks.h
+    QString title;
+    QString text;
+    QString answer; // text of the button that was pressed
+};
+
+class Driver : public QObject
 {
 public:
-    explicit Driver(const QString &folder) : m_folder(folder) {}
+    explicit Driver(const QString &folder);
 
     // Prints one line of the story.
     void tell(const QString &text);
@@ -52,14 +63,35 @@ public:
     // returns when the action has run to its end.
     void with_dialog(const std::function<void()> &action,
                      const std::function<void(QWidget *)> &answer);
-    // A picture of the whole screen.
+    // Does the action, which asks the question of that mark, and presses the
+    // button with that text; a picture of it before, when one is named. A
+    // message box that comes when none is awaited ends the tour.
+    void answer(const std::function<void()> &action, const QString &mark, const QString &button,
+                const QString &picture_name = QString());
+    // A picture of the whole screen, numbered; the name tells the state.
     void picture(const QString &name);
+
+    // The table's archive has gained a record of that step, as vxtable names it.
+    void expect_record(const char *table, const char *step);
+    // The table's file has been rewritten.
+    void expect_rewritten(const char *table);
+    const QStringList &expected_files() const { return m_expected_files; }
+    // Prints the questions in the order in which they were met.
+    void tell_questions();
 
     cell::CellClient cell;
 
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
 private:
+    void note(QMessageBox *box);
+
     QString m_folder;
     int m_pictures = 0;
+    int m_awaited = 0; // dialogs that an action is to open and has not yet
+    QList<Question> m_questions;
+    QStringList m_expected_files;
 };
 
 } // namespace tour

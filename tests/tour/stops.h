@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The stops of the tour. Each is one function in a file of its subject
+// (tour_SUBJECT.cpp) and one row of the table in tour.cpp. A stop finds and
+// leaves the window at rest: working standard and technician typed, no dialog
+// open, and nothing unfinished, so that picking another channel asks nothing.
+// So a stop picks its own channel first and needs to know of no other stop.
+#ifndef TOUR_STOPS_H
+#define TOUR_STOPS_H
+
+#include "tests/tour/driver.h"
+
+// tour_process.cpp
+void stop_start(tour::Driver &driver); // comes first: brings the window to rest
+void stop_straight_road(tour::Driver &driver);
+void stop_leave(tour::Driver &driver); // comes last: the window is closed
+
+#endif
