@@ -100,12 +100,17 @@ void Driver::enter(QLineEdit *field, const QString &text)
     QTest::keyClick(field, Qt::Key_Return);
 }
 
-void Driver::choose(QComboBox *combo, int item)
+void Driver::pick(QComboBox *combo, int item)
 {
     combo->showPopup();
     settle();
     combo->view()->setCurrentIndex(combo->model()->index(item, 0));
     QTest::keyClick(combo->view(), Qt::Key_Return);
+}
+
+void Driver::choose(QComboBox *combo, int item)
+{
+    pick(combo, item);
     await([=] { return combo->currentIndex() == item; }, QStringLiteral("the chosen item"));
 }
 
@@ -120,47 +125,61 @@ void Driver::choose_action(const char *menu_name, const char *action_name)
     QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, menu->actionGeometry(action).center());
 }
 
-void Driver::with_dialog(const std::function<void()> &action,
+void Driver::await_modal(const std::function<void()> &action,
+                         const std::function<bool(QWidget *)> &wanted,
                          const std::function<void(QWidget *)> &answer)
 {
     bool answered = false;
     QWidget *const before = QApplication::activeModalWidget();
     QTimer watcher;
-    QObject::connect(&watcher, &QTimer::timeout, [&] {
+    connect(&watcher, &QTimer::timeout, [&] {
         QWidget *modal = QApplication::activeModalWidget();
-        if (modal == nullptr || modal == before || !modal->isVisible())
+        if (modal == nullptr || modal == before || !modal->isVisible() || !wanted(modal))
             return;
         watcher.stop();
         answered = true;
-        --m_awaited;
         settle();
         answer(modal);
     });
     watcher.start(20);
-    ++m_awaited;
     action();
-    check(answered, QStringLiteral("no window opened"));
+    check(answered, QStringLiteral("what was awaited did not open"));
+}
+
+void Driver::with_dialog(const std::function<void()> &action,
+                         const std::function<void(QWidget *)> &answer)
+{
+    await_modal(
+        action, [](QWidget *modal) { return qobject_cast<QMessageBox *>(modal) == nullptr; },
+        answer);
 }
 
 void Driver::answer(const std::function<void()> &action, const QString &mark, const QString &button,
                     const QString &picture_name)
 {
-    with_dialog(action, [&](QWidget *dialog) {
-        auto *box = qobject_cast<QMessageBox *>(dialog);
-        check(box != nullptr, QStringLiteral("no question came, ") + mark);
-        check(mark_of(box->windowTitle(), box->text()) == mark,
-              QStringLiteral("not the question %1: %2: %3")
-                  .arg(mark, box->windowTitle(), box->text()));
-        if (!picture_name.isEmpty())
-            picture(picture_name);
-        for (QAbstractButton *candidate : box->buttons()) {
-            if (plain_text(candidate) == button) {
-                QTest::mouseClick(candidate, Qt::LeftButton);
-                return;
-            }
+    ++m_awaited;
+    await_modal(
+        action, [](QWidget *modal) { return qobject_cast<QMessageBox *>(modal) != nullptr; },
+        [&](QWidget *modal) {
+            --m_awaited;
+            if (!picture_name.isEmpty())
+                picture(picture_name);
+            press_answer(qobject_cast<QMessageBox *>(modal), mark, button);
+        });
+}
+
+void Driver::press_answer(QMessageBox *box, const QString &mark, const QString &button)
+{
+    check(mark_of(box->windowTitle(), box->text()) == mark,
+          QStringLiteral("question %1 was awaited, not \"%2\": %3")
+              .arg(mark, box->windowTitle(), box->text()));
+    for (QAbstractButton *candidate : box->buttons()) {
+        if (plain_text(candidate) == button) {
+            QTest::mouseClick(candidate, Qt::LeftButton);
+            return;
         }
-        check(false, QStringLiteral("question %1 has no button %2").arg(mark, button));
-    });
+    }
+    check(false, QStringLiteral("question %1 has no button %2").arg(mark, button));
 }
 
 bool Driver::eventFilter(QObject *object, QEvent *event)

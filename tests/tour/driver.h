@@ -57,10 +57,12 @@ public:
     void press(QWidget *button);
     void enter(QLineEdit *field, const QString &text);
     void choose(QComboBox *combo, int item);
+    // The same, but the list may go elsewhere in answer to it.
+    void pick(QComboBox *combo, int item);
     // Opens the menu and clicks its entry.
     void choose_action(const char *menu, const char *action);
-    // Does the action, which opens a modal window, and hands that window over;
-    // returns when the action has run to its end.
+    // Does the action, which opens a dialog other than a message box, and hands
+    // that dialog over; returns when the action has run to its end.
     void with_dialog(const std::function<void()> &action,
                      const std::function<void(QWidget *)> &answer);
     // Does the action, which asks the question of that mark, and presses the
@@ -85,11 +87,15 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
+    void await_modal(const std::function<void()> &action,
+                     const std::function<bool(QWidget *)> &wanted,
+                     const std::function<void(QWidget *)> &answer);
+    void press_answer(QMessageBox *box, const QString &mark, const QString &button);
     void note(QMessageBox *box);
 
     QString m_folder;
     int m_pictures = 0;
-    int m_awaited = 0; // dialogs that an action is to open and has not yet
+    int m_awaited = 0; // questions that an action is to ask and has not yet
     QList<Question> m_questions;
     QStringList m_expected_files;
 };

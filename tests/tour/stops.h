@@ -10,9 +10,21 @@
 
 #include "tests/tour/driver.h"
 
-// tour_process.cpp
+// tour_guards.cpp
 void stop_start(tour::Driver &driver); // comes first: brings the window to rest
-void stop_straight_road(tour::Driver &driver);
+void stop_wrong_counts(tour::Driver &driver);
+void stop_captured_points_guarded(tour::Driver &driver);
+void stop_incomplete_guarded(tour::Driver &driver);
 void stop_leave(tour::Driver &driver); // comes last: the window is closed
+
+// tour_process.cpp
+void stop_straight_road(tour::Driver &driver);
+void stop_good_as_found(tour::Driver &driver);
+void stop_needless_adjustment(tour::Driver &driver);
+void stop_reuse_against_the_data(tour::Driver &driver);
+void stop_adjust_out_of_tolerance(tour::Driver &driver);
+void stop_service(tour::Driver &driver);
+void stop_verification_alone(tour::Driver &driver);
+void stop_new_correlation(tour::Driver &driver);
 
 #endif

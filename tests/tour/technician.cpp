@@ -15,54 +15,56 @@ const Kind AFTER_SERVICE = {"After-Service", "rbAfterService", "txtAfterService"
 const Kind VERIFICATION = {"Verification", "rbVerification", "txtVerificationData"};
 const Kind NEW_CORRELATION = {"New Correlation", "rbNewCorrelation", "txtNewCorrelation"};
 
-QList<Row> visible_rows(Driver &driver)
+namespace
 {
-    QList<Row> rows;
-    const auto widgets = driver.window()->findChildren<QWidget *>(QStringLiteral("PointInfo"));
-    for (QWidget *widget : widgets) {
-        auto *button = driver.find<QPushButton>("btnCapture", widget);
-        if (button->isVisibleTo(driver.window()))
-            rows.append({driver.find<QLineEdit>("txtCurrentValue", widget),
-                         driver.find<QLabel>("lblMillivolts", widget), button});
-    }
-    return rows;
+
+QString text_of(Driver &driver, const char *box)
+{
+    return driver.find<QLineEdit>(box)->text();
 }
 
-QString colour_name(const QString &style)
+void decide(Driver &driver, const char *button, const QString &mark)
 {
-    if (style == QLatin1String("background-color: rgb(0,255,0)"))
-        return QStringLiteral("green");
-    if (style == QLatin1String("background-color: rgb(255, 255, 127)"))
-        return QStringLiteral("yellow");
-    if (style == QLatin1String("background-color: rgb(255,170,0)"))
-        return QStringLiteral("orange");
-    if (style == QLatin1String("background-color: rgb(255, 78, 78)"))
-        return QStringLiteral("red");
-    return style;
+    if (mark.isEmpty())
+        press(driver, button);
+    else
+        driver.answer([&] { press(driver, button); }, mark, QStringLiteral("Yes"));
+    driver.check(!text_of(driver, "txtAdjustCalibration").isEmpty(),
+                 QStringLiteral("Table Updated is stamped"));
 }
 
-double shown_mv(Driver &driver)
+} // namespace
+
+void press(Driver &driver, const char *button)
 {
-    const QString title = driver.find<QwtPlot>("dataPlot")->title().text();
-    return title.section(QLatin1Char(':'), 1).section(QLatin1Char('/'), 0, 0).trimmed().toDouble();
+    driver.press(driver.find<QPushButton>(button));
 }
 
-int channel_item(Driver &driver, int channel)
+void choose_exit(Driver &driver)
 {
-    const int item = driver.find<QComboBox>("cboCurrentChannel")
-                         ->findText(QString::asprintf("%5d  -  ", channel), Qt::MatchContains);
+    driver.choose_action("menuFile", "actionExit");
+}
+
+void choose_channel(Driver &driver, int channel)
+{
+    auto *channels = driver.find<QComboBox>("cboCurrentChannel");
+    const int item = channels->findText(QString::asprintf("%5d  -  ", channel), Qt::MatchContains);
     driver.check(item > 0, QStringLiteral("the cell offers channel %1").arg(channel));
-    return item;
+    driver.pick(channels, item);
 }
 
 void pick_channel(Driver &driver, int channel)
 {
-    auto *channels = driver.find<QComboBox>("cboCurrentChannel");
-    driver.choose(channels, channel_item(driver, channel));
-    driver.tell(QStringLiteral("channel") + channels->currentText());
-    driver.await([&] { return shown_mv(driver) != 0.0; }, QStringLiteral("a live reading"));
+    choose_channel(driver, channel);
+    const QString shown = driver.find<QComboBox>("cboCurrentChannel")->currentText();
+    driver.check(shown.section(QLatin1Char('-'), 0, 0).toInt() == channel,
+                 QStringLiteral("channel %1 is picked").arg(channel));
+    driver.tell(QStringLiteral("channel") + shown);
     driver.check(!driver.find<QLabel>("lblTableName")->text().isEmpty(),
                  QStringLiteral("the table has a name"));
+    cell::ChannelState state;
+    driver.check(driver.cell.show(channel, &state), QStringLiteral("the cell tells the channel"));
+    apply_reference(driver, channel, state.applied);
 }
 
 void apply_reference(Driver &driver, int channel, double value)
@@ -96,12 +98,17 @@ void capture_point(Driver &driver, int channel, int point)
             .arg(reference, row.mv->text().trimmed(), colour_name(row.value->styleSheet())));
 }
 
+void capture_points(Driver &driver, int channel, int first, int last)
+{
+    for (int point = first; point <= last; ++point)
+        capture_point(driver, channel, point);
+}
+
 void capture_all(Driver &driver, int channel)
 {
     const int points = visible_rows(driver).size();
     driver.check(points >= 2, QStringLiteral("the table has points"));
-    for (int point = 0; point < points; ++point)
-        capture_point(driver, channel, point);
+    capture_points(driver, channel, 0, points - 1);
 }
 
 void fill_recording(Driver &driver, QWidget *dialog, const Kind &kind, const QString &description)
@@ -112,17 +119,50 @@ void fill_recording(Driver &driver, QWidget *dialog, const Kind &kind, const QSt
     QTest::keyClicks(comment, description);
 }
 
-void record(Driver &driver, const Kind &kind, const QString &description)
+void record(Driver &driver, const char *table, const Kind &kind, const QString &description,
+            const Asked &asked)
 {
-    driver.with_dialog([&] { driver.press(driver.find<QPushButton>("btnRecordData")); },
-                       [&](QWidget *dialog) {
-                           fill_recording(driver, dialog, kind, description);
-                           driver.press(driver.find<QPushButton>("btnRecord", dialog));
-                       });
-    const auto *box = driver.find<QLineEdit>(kind.box);
-    driver.check(!box->text().isEmpty(), QLatin1String(kind.name) + QStringLiteral(" is stamped"));
+    const auto open = [&] {
+        if (asked.points_missing)
+            driver.answer([&] { press(driver, "btnRecordData"); }, QStringLiteral("R2"),
+                          QStringLiteral("Yes"));
+        else
+            press(driver, "btnRecordData");
+    };
+    const QString before = text_of(driver, kind.box);
+    driver.with_dialog(open, [&](QWidget *dialog) {
+        fill_recording(driver, dialog, kind, description);
+        const auto confirm = [&] { driver.press(driver.find<QPushButton>("btnRecord", dialog)); };
+        if (asked.mark.isEmpty())
+            confirm();
+        else
+            driver.answer(confirm, asked.mark, asked.button, asked.picture);
+    });
+    if (asked.button == QLatin1String("No") || asked.button == QLatin1String("Cancel")) {
+        driver.check(text_of(driver, kind.box) == before, QStringLiteral("a box has changed"));
+        return;
+    }
+    driver.check(!text_of(driver, kind.box).isEmpty(),
+                 QLatin1String(kind.step) + QStringLiteral(" is stamped"));
+    driver.expect_record(table, kind.step);
     driver.tell(QStringLiteral("%1 recorded, %2")
-                    .arg(QLatin1String(kind.name), colour_name(box->styleSheet())));
+                    .arg(QLatin1String(kind.step),
+                         colour_name(driver.find<QLineEdit>(kind.box)->styleSheet())));
+}
+
+void adjust(Driver &driver, const char *table, const QString &mark)
+{
+    decide(driver, "btnAdjustCalibration", mark);
+    driver.expect_record(table, "Table Updated by adjustment");
+    driver.expect_rewritten(table);
+    driver.tell(QStringLiteral("adjusted"));
+}
+
+void reuse(Driver &driver, const char *table, const QString &mark)
+{
+    decide(driver, "btnReuseCalibration", mark);
+    driver.expect_record(table, "Table Updated by re-use");
+    driver.tell(QStringLiteral("re-used"));
 }
 
 } // namespace tour

@@ -22,6 +22,16 @@ struct Stop {
 constexpr Stop STOPS[] = {
     {"start", stop_start},
     {"the straight road of a calibration", stop_straight_road},
+    {"good as found, and kept", stop_good_as_found},
+    {"an adjustment that is not needed", stop_needless_adjustment},
+    {"a re-use against the data, and As-Found again", stop_reuse_against_the_data},
+    {"an adjustment out of tolerance", stop_adjust_out_of_tolerance},
+    {"service, re-use, verification", stop_service},
+    {"a verification by itself", stop_verification_alone},
+    {"a new correlation", stop_new_correlation},
+    {"wrong counts and a changed count", stop_wrong_counts},
+    {"captured points are guarded", stop_captured_points_guarded},
+    {"an incomplete calibration is guarded", stop_incomplete_guarded},
     {"leave", stop_leave},
 };
 
