@@ -101,8 +101,15 @@ void check_decisions(Driver &driver, const char *reuse, const char *adjust)
 
 void check_advice(Driver &driver, const char *advice)
 {
+    const auto *label = driver.find<QLabel>("lblNextStep");
     QTextDocument markup;
-    markup.setHtml(driver.find<QLabel>("lblNextStep")->text());
+    markup.setDocumentMargin(0.0);
+    markup.setDefaultFont(label->font());
+    markup.setHtml(label->text());
+    driver.check(markup.idealWidth() <= label->width(),
+                 QStringLiteral("an advice %1 wide breaks its lines in %2")
+                     .arg(markup.idealWidth())
+                     .arg(label->width()));
     const QString shown = markup.toPlainText().simplified();
     driver.check(
         shown == QLatin1String(advice),
