@@ -9,6 +9,8 @@
 #include <QProcess>
 #include <QStringList>
 
+constexpr int DEADLINE_MS = 120000; // under a sanitizer on a busy machine
+
 class TestProgram
 {
 public:
@@ -42,11 +44,12 @@ public:
     bool is_running() const { return m_process.state() == QProcess::Running; }
     void terminate() { m_process.terminate(); }
     // Exit status, or -1 when it was killed or does not end.
-    int wait_for_end();
+    int wait_for_end(int deadline_ms = DEADLINE_MS);
     qint64 pid() const { return m_process.processId(); }
 
     bool window_seen() const { return m_window_seen; }
-    // What it wrote beside the hook's lines.
+    // What it wrote beside the hook's lines, among it the calls that the hook
+    // tells of.
     QByteArray said() const { return m_said; }
     QByteArray complaints() { return m_complaints += m_process.readAllStandardError(); }
 
