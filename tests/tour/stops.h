@@ -27,4 +27,9 @@ void stop_service(tour::Driver &driver);
 void stop_verification_alone(tour::Driver &driver);
 void stop_new_correlation(tour::Driver &driver);
 
+// tour_sensor.cpp
+void stop_equal_limits(tour::Driver &driver);
+void stop_unlike_units(tour::Driver &driver);
+void stop_table_units(tour::Driver &driver);
+
 #endif

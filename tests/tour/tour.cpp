@@ -32,6 +32,9 @@ constexpr Stop STOPS[] = {
     {"wrong counts and a changed count", stop_wrong_counts},
     {"captured points are guarded", stop_captured_points_guarded},
     {"an incomplete calibration is guarded", stop_incomplete_guarded},
+    {"a sensor range with equal limits is repaired", stop_equal_limits},
+    {"a sensor range in units unlike the table's is repaired", stop_unlike_units},
+    {"the table's units are changed", stop_table_units},
     {"leave", stop_leave},
 };
 
