@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Compares, point by point, the calibration under way with the previous one and
+// with the straight-line fit. Changes nothing.
+#ifndef VIEWS_CURRENTCALIBRATIONSTATSDIALOG_H
+#define VIEWS_CURRENTCALIBRATIONSTATSDIALOG_H
+
+#include <QDialog>
+#include <QList>
+
+#include "frame/zerl_cfg.h"
+
+class StatInfo;
+
+namespace Ui
+{
+class CurrentCalibrationStatsDialog;
+}
+
+class CurrentCalibrationStatsDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit CurrentCalibrationStatsDialog(QWidget *parent);
+    ~CurrentCalibrationStatsDialog() override;
+
+private:
+    void add_rows(int count);
+    void compute_row(int i);
+
+    QList<StatInfo *> m_rows;
+    Ui::CurrentCalibrationStatsDialog *ui;
+    const ZERL_CFG *cfg;
+};
+
+#endif

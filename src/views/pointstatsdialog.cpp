@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/pointstatsdialog.h"
+
+#include "calibration/plotcurve.h"
+#include "ui_pointstatsdialog.h"
+#include "views/statisticscells.h"
+#include "views/statisticstable.h"
+
+PointStatsDialog::PointStatsDialog(QWidget *parent)
+    : QDialog(parent), ui(new Ui::PointStatsDialog),
+      cfg(g_cfg != nullptr ? g_cfg : get_cfg_pointer())
+{
+    ui->setupUi(this);
+    ui->tblCalInfo->resizeColumnsToContents();
+    fill();
+}
+
+PointStatsDialog::~PointStatsDialog()
+{
+    delete ui;
+}
+
+void PointStatsDialog::fill()
+{
+    const int count = point_count(cfg->long_current);
+    renew_rows(ui->tblCalInfo, count);
+    for (int i = 0; i < count; ++i)
+        fill_row(ui->tblCalInfo, i, stability_cells(i, cfg->point_stats[i]));
+}
