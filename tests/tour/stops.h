@@ -32,4 +32,7 @@ void stop_equal_limits(tour::Driver &driver);
 void stop_unlike_units(tour::Driver &driver);
 void stop_table_units(tour::Driver &driver);
 
+// tour_views.cpp
+void stop_statistics(tour::Driver &driver);
+
 #endif

@@ -29,6 +29,7 @@ constexpr Stop STOPS[] = {
     {"service, re-use, verification", stop_service},
     {"a verification by itself", stop_verification_alone},
     {"a new correlation", stop_new_correlation},
+    {"the statistics views", stop_statistics},
     {"wrong counts and a changed count", stop_wrong_counts},
     {"captured points are guarded", stop_captured_points_guarded},
     {"an incomplete calibration is guarded", stop_incomplete_guarded},
