@@ -11,6 +11,7 @@ PointStatsDialog::PointStatsDialog(QWidget *parent)
       cfg(g_cfg != nullptr ? g_cfg : get_cfg_pointer())
 {
     ui->setupUi(this);
+    // Headings make the widths; the form leaves room for the longest value.
     ui->tblCalInfo->resizeColumnsToContents();
     fill();
 }

@@ -22,7 +22,7 @@ private slots:
     void point_never_captured_shows_the_records_defaults();
     void exponent_of_a_small_value();
     void values_that_are_no_numbers();
-    void columns_are_sized_before_the_filling();
+    void columns_hold_the_longest_value();
     void odd_counts_data();
     void odd_counts();
     void opened_twice();
@@ -120,8 +120,8 @@ void PointStatistics::values_that_are_no_numbers()
              (QStringList{"1", "nan", "nan", "nan", "-inf", "inf"}));
 }
 
-// Headings alone make the widths, which leave room for the longest value.
-void PointStatistics::columns_are_sized_before_the_filling()
+// The headings alone make the widths, so these leave room beforehand.
+void PointStatistics::columns_hold_the_longest_value()
 {
     QVector<int> widths;
     for (int count : {0, 1}) {
