@@ -61,6 +61,8 @@ public:
     const Model &model() const { return *m_model; }
     int steps() const { return m_steps; }
     int questions() const { return m_questions; }
+    // How often each question was met, by its text.
+    const std::map<QString, int> &asked() const { return m_asked; }
     // The last steps with what was met in each.
     QStringList last_steps() const;
 
@@ -129,6 +131,7 @@ private:
     qint64 m_began = 0; // seconds since the epoch
     int m_steps = 0;
     int m_questions = 0;
+    std::map<QString, int> m_asked;
     int m_given_up = 0;
     int m_range_refusals = 0; // in the step that runs
 };

@@ -12,7 +12,9 @@ namespace walk
 namespace
 {
 
-constexpr int MAX_GIVEN_UP = 8;          // each appends 64 rows for good
+// A give-up appends 64 rows for good; memory is measured behind these steps.
+constexpr int LAST_GIVE_UP = 900;
+constexpr int MAX_GIVEN_UP = 8;
 constexpr int STEPS_TO_NEW_FILES = 2500; // the archives grow with every record
 
 const int USUAL_CHANNELS[] = {0, 0, 1, 4, 5, 8, 9, 9, 10, 11, 12, 13};
@@ -47,11 +49,11 @@ Step Walker::choose_kind()
         Step::Kind kind;
     };
     static const Weighed weights[] = {
-        {30, Step::TypeAndPress}, {4, Step::Press},   {3, Step::Type},   {4, Step::Edit},
-        {4, Step::Reading},       {7, Step::Pick},    {5, Step::Count},  {2, Step::Averaging},
-        {4, Step::TableType},     {4, Step::Degree},  {3, Step::Range},  {1, Step::Technician},
-        {1, Step::Standard},      {10, Step::Record}, {6, Step::Adjust}, {5, Step::Reuse},
-        {2, Step::Exit},          {5, Step::Tick},
+        {36, Step::TypeAndPress}, {2, Step::Press},   {2, Step::Type},   {3, Step::Edit},
+        {3, Step::Reading},       {4, Step::Pick},    {3, Step::Count},  {2, Step::Averaging},
+        {3, Step::TableType},     {3, Step::Degree},  {3, Step::Range},  {1, Step::Technician},
+        {1, Step::Standard},      {14, Step::Record}, {8, Step::Adjust}, {7, Step::Reuse},
+        {2, Step::Exit},          {4, Step::Tick},
     };
     int total = 0;
     for (const Weighed &it : weights)
@@ -61,6 +63,11 @@ Step Walker::choose_kind()
     while (at >= chosen->weight)
         at -= (chosen++)->weight;
     const View &view = m_model->view;
+    // Without a name nothing is recorded, so it does not stay away for long.
+    if (view.technician.isEmpty() && chance(15))
+        return {Step::Technician, 0, QStringLiteral("Jane Doe")};
+    if (view.standard.isEmpty() && chance(15))
+        return {Step::Standard, 0, QStringLiteral("WS-17")};
     switch (chosen->kind) {
     case Step::TypeAndPress:
         return choose_press();
@@ -93,7 +100,7 @@ Step Walker::choose_kind()
         return view.range_enabled ? Step{Step::Range, below(POLY_RANGES)} : Step{Step::Tick};
     case Step::Technician:
         return {Step::Technician, 0,
-                one_of({"Jane Doe", "J. \"Quoted\" Roe", "", "Ann Other",
+                one_of({"Jane Doe", "J. \"Quoted\" Roe", "Ann Other",
                         "Technician with a name "
                         "beyond thirty-one"})};
     case Step::Standard:
@@ -109,7 +116,7 @@ Step Walker::choose_channel()
     const View &view = m_model->view;
     if (chance(12))
         return {Step::Pick, -1};
-    if (m_given_up < MAX_GIVEN_UP && chance(3)) {
+    if (m_given_up < MAX_GIVEN_UP && m_steps < LAST_GIVE_UP && chance(12)) {
         // Without a table nothing but a give-up leads back, and that is on offer
         // while the first pick of no channel is quiet.
         if (m_model->first_select != 0 && chance(40))
@@ -220,7 +227,11 @@ Walker::Meeting &Walker::meets(Meeting::Kind kind, const Question &question)
 bool Walker::answers(const Question &question)
 {
     Meeting &meeting = meets(Meeting::Box, question);
-    const bool first = question.buttons.size() == 1 || chance(55);
+    const bool first = question.buttons.size() == 1 || chance(70);
+    // What names a point or a file is one text each.
+    const bool named =
+        question.text.contains(QLatin1Char('#')) || question.text.contains(QLatin1String("/cell/"));
+    ++m_asked[named ? question.text.left(12) : question.text];
     meeting.first_button = first;
     return first;
 }
@@ -241,10 +252,10 @@ RecordPress Walker::next_press(int before)
 {
     RecordPress press;
     const int kind = below(20);
-    if (before < 3 && kind > 2) {
+    if (before < 4 && kind > 1) {
         const RecordPress::Kind kinds[] = {RecordPress::AsFound, RecordPress::AfterService,
                                            RecordPress::Verification, RecordPress::NewCorrelation};
-        press.kind = kind == 3 && before == 0 ? RecordPress::None : kinds[kind % 4];
+        press.kind = kind == 2 && before == 0 ? RecordPress::None : kinds[kind % 4];
         press.description =
             chance(35) ? QString()
                        : one_of({"as it was found", "bearings rotated",
