@@ -175,6 +175,7 @@ private:
 
 // A walk of so many steps has been everywhere.
 constexpr int ALL_ASKED = 10000;
+constexpr int PROGRESS = 5000; // steps from one sign of life to the next
 
 void Walk::every_question_was_met(const walk::Walker &walker)
 {
@@ -235,11 +236,15 @@ void Walk::window_record_and_files_agree_with_the_model_after_every_step()
         growth.after_step(walker);
         if (length.verbose || !wrong.isEmpty())
             std::fprintf(stderr, "%s\n", qPrintable(walker.last_steps().last()));
+        if (walker.steps() % PROGRESS == 0) {
+            std::printf("%d steps\n", walker.steps());
+            std::fflush(stdout);
+        }
         if (wrong.isEmpty())
             continue;
         const QString text =
-            QStringLiteral("seed %1, step %2:\n%3\nthe last steps:\n%4\nagain with: --seed %1 "
-                           "--steps %2")
+            QStringLiteral("seed %1, step %2:\n%3\nthe last steps:\n%4\nagain with: "
+                           "./zerl soak %2 %1")
                 .arg(length.seed)
                 .arg(walker.steps())
                 .arg(wrong, walker.last_steps().join(QLatin1Char('\n')));

@@ -24,6 +24,9 @@ private slots:
     void tests_pass_their_status_on();
     void tests_take_turns_without_name_spaces();
     void sanitized_tests();
+    void soak_walks_as_long_as_it_is_told_data();
+    void soak_walks_as_long_as_it_is_told();
+    void failing_walk_fails();
     void moved_tree_is_built_afresh();
     void broken_cache_is_built_afresh();
     void failing_build_ends_it();
@@ -42,8 +45,9 @@ private slots:
 void Zerl::help_lists_command_data()
 {
     QTest::addColumn<QString>("command");
-    for (const char *name : {"run [--cell FOLDER] [--touch]", "test [--sanitize]", "tour ",
-                             "build ", "bench ", "lint ", "clean ", "help "})
+    for (const char *name :
+         {"run [--cell FOLDER] [--touch]", "test [--sanitize]", "soak [LENGTH] [SEED]", "tour ",
+          "build ", "bench ", "lint ", "clean ", "help "})
         QTest::newRow(name) << QString(name);
 }
 
@@ -67,6 +71,16 @@ void Zerl::misuse_data()
     QTest::newRow("cell without folder") << QStringList{"run", "--cell"} << "--cell needs a folder";
     QTest::newRow("touch on its own")
         << QStringList{"tour", "--touch"} << "--cell and --touch go with run";
+    QTest::newRow("soak of no length")
+        << QStringList{"soak", "long"} << "neither steps nor minutes (30m): long";
+    QTest::newRow("soak of no steps")
+        << QStringList{"soak", "0"} << "neither steps nor minutes (30m): 0";
+    QTest::newRow("soak of no minutes")
+        << QStringList{"soak", "m"} << "neither steps nor minutes (30m): m";
+    QTest::newRow("soak with a word for a seed")
+        << QStringList{"soak", "500", "lucky"} << "not a seed: lucky";
+    QTest::newRow("soak with a third word")
+        << QStringList{"soak", "500", "7", "8"} << "one command at a time: soak or 8";
     QTest::newRow("sanitizers with run")
         << QStringList{"run", "--sanitize"} << "--sanitize goes with test";
 }
@@ -290,6 +304,37 @@ void launcher(Machine &machine, int status, bool reached = true)
 }
 
 } // namespace
+
+void Zerl::soak_walks_as_long_as_it_is_told_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("walk");
+    QTest::newRow("by itself") << QStringList{} << "--minutes 10";
+    QTest::newRow("minutes") << QStringList{"30m"} << "--minutes 30";
+    QTest::newRow("steps") << QStringList{"50000"} << "--steps 50000";
+    QTest::newRow("steps and seed") << QStringList{"812", "23"} << "--steps 812 --seed 23";
+}
+
+void Zerl::soak_walks_as_long_as_it_is_told()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, walk);
+    Machine machine;
+    launcher(machine, 0);
+    const Outcome outcome = machine.zerl(QStringList{"soak"} + arguments);
+    QVERIFY2(outcome.status == 0, qPrintable(outcome.errors));
+    const QString expected = "launched --no-cell -- " + machine.path("build/tests/walk_new_seed") +
+                             ' ' + walk + " on  offscreen\n";
+    QVERIFY2(outcome.output.endsWith(expected), qPrintable(outcome.output));
+    QCOMPARE(machine.calls("cmake --build --preset default").size(), 1);
+}
+
+void Zerl::failing_walk_fails()
+{
+    Machine machine;
+    launcher(machine, 1);
+    QCOMPARE(machine.zerl({"soak", "100"}).status, 1);
+}
 
 void Zerl::run_starts_cell_and_tool()
 {

@@ -19,6 +19,7 @@ private slots:
     void rooms_are_there();
     void tree_data();
     void tree();
+    void walk_model_shares_layouts_only();
 };
 
 namespace
@@ -163,6 +164,24 @@ void Includes::tree()
         });
     }
     QVERIFY2(found.isEmpty(), qPrintable(found.join('\n')));
+}
+
+// What the random walk holds the program against must not be the program.
+void Includes::walk_model_shares_layouts_only()
+{
+    const QRegularExpression allowed(
+        "^#include (<.*>|\"(host/.*|frame/zerl_cfg\\.h|walk/(files|model|view)\\.h)\")$");
+    const QDir folder(top.filePath("tests/walk"));
+    const QStringList names = folder.entryList({"model*.cpp", "model.h", "files.*"}, QDir::Files);
+    QVERIFY(names.contains("model.h") && names.contains("modelprocess.cpp"));
+    for (const QString &name : names) {
+        QFile file(folder.filePath(name));
+        QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(name));
+        for (const QString &line : QString::fromUtf8(file.readAll()).split('\n')) {
+            if (line.startsWith("#include"))
+                QVERIFY2(allowed.match(line).hasMatch(), qPrintable(name + ": " + line));
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(Includes)
