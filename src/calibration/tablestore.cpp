@@ -117,20 +117,6 @@ void clear_dirty(ZERL_CFG *cfg)
     cfg->table_dirty = 0;
 }
 
-bool plain_for_shell(const char *path)
-{
-    return path[strspn(
-               path, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/")] == '\0';
-}
-
-// Single quotes keep everything from the shell but themselves.
-QByteArray for_shell(const char *path)
-{
-    if (plain_for_shell(path))
-        return path;
-    return "'" + QByteArray(path).replace("'", "'\\''") + "'";
-}
-
 // The former table goes to the history, then the table is rewritten, also after
 // a history that failed: the table in force comes first.
 void replace_table(ZERL_CFG *cfg)

@@ -28,3 +28,16 @@ QString record_text(const char *text, std::size_t size)
 {
     return QString::fromUtf8(text, static_cast<int>(strnlen(text, size)));
 }
+
+bool plain_for_shell(const char *path)
+{
+    return path[std::strspn(
+               path, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/")] == '\0';
+}
+
+QByteArray for_shell(const char *path)
+{
+    if (plain_for_shell(path))
+        return path;
+    return "'" + QByteArray(path).replace("'", "'\\''") + "'";
+}

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include <QByteArray>
 #include <QString>
 
 // The one float comparison: true when 1e-6 >= |a - b|, so false for NaN.
@@ -37,5 +38,12 @@ template <std::size_t Size> QString record_text(const char (&text)[Size])
 {
     return record_text(text, Size);
 }
+
+// True when a shell takes the path as it stands.
+bool plain_for_shell(const char *path);
+
+// The path for a shell's command line: as it stands or in single quotes, which
+// keep everything from the shell but themselves.
+QByteArray for_shell(const char *path);
 
 #endif

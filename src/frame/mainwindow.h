@@ -93,6 +93,9 @@ public:
     // Advice of the process: rich text, or none on the cream background.
     void clear_next_step();
 
+    // Fills g_specs from the specs file; a box tells when it cannot be opened.
+    void read_specs_file();
+
     Ui::MainWindow *form() const { return ui; }
     QMutex *table_mutex() const { return m_table_mutex; }
     monitorThread *monitor() const { return m_monitor; }

@@ -49,21 +49,19 @@ ReportSources session_sources()
     return sources;
 }
 
-QByteArray path_of(bool permanent)
-{
-    if (!permanent)
-        return "/tmp/zerl_util_line_rpt.html";
-    const QString day = QDateTime::currentDateTime().toString(QStringLiteral("MMddyyyy"));
-    return "/cell/tables/reports/" + record_bytes(g_cfg->table.table_name) + '_' + day.toLatin1() +
-           ".html";
-}
-
 } // namespace
+
+QByteArray permanent_report_path(const TABLE_RECORD &table, const QDate &day)
+{
+    return "/cell/tables/reports/" + record_bytes(table.table_name) + '_' +
+           day.toString(QStringLiteral("MMddyyyy")).toLatin1() + ".html";
+}
 
 bool generate_line_rpt(bool permanent)
 {
     calc_line_rpt_values(g_cfg);
-    report_path = path_of(permanent);
+    report_path = permanent ? permanent_report_path(g_cfg->table, QDate::currentDate())
+                            : QByteArray("/tmp/zerl_util_line_rpt.html");
     std::FILE *file = std::fopen(report_path.constData(), "w");
     if (file == nullptr)
         return false;

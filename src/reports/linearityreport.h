@@ -6,6 +6,9 @@
 #define REPORTS_LINEARITYREPORT_H
 
 #include <QByteArray>
+#include <QDate>
+
+#include "host/tablerecord.h"
 
 // Name of the report file last opened, also of one that could not be. Nothing
 // in the program reads it.
@@ -18,5 +21,8 @@ extern QByteArray report_path;
 // when the file cannot be opened; errors while writing are not noticed. The
 // folder is not made here.
 bool generate_line_rpt(bool permanent);
+
+// Path of a table's permanent report of that day.
+QByteArray permanent_report_path(const TABLE_RECORD &table, const QDate &day);
 
 #endif

@@ -1,6 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The report viewer is not part of this release; its action is never shown.
+// The report viewer.
 #include "frame/mainwindow.h"
 
-void MainWindow::on_actionView_Previous_Calibration_Report_triggered() {}
+#include <cstdlib>
+
+#include <QFile>
+
+#include "frame/messagebox.h"
+#include "reports/previousreport.h"
+
+// The window waits for the browser. What the shell makes of the command is not
+// looked at; only that it could be asked.
+void MainWindow::on_actionView_Previous_Calibration_Report_triggered()
+{
+    const QByteArray path = previous_report_path(g_cfg->table);
+    if (!QFile::exists(QFile::decodeName(path))) {
+        ask(this, QMessageBox::Information, QStringLiteral("No Previous Report"),
+            QStringLiteral("No Previous Calibration Report Exists"), QMessageBox::Ok,
+            QMessageBox::Ok);
+        return;
+    }
+    if (std::system(browser_command(path).constData()) == -1)
+        ask(this, QMessageBox::Warning, QStringLiteral("Error"),
+            QStringLiteral("Error displaying previous calibration report"), QMessageBox::Ok,
+            QMessageBox::Ok);
+}
