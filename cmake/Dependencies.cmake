@@ -16,3 +16,7 @@ find_library(UDUNITS2_LIBRARY NAMES udunits2 REQUIRED)
 add_library(udunits2 INTERFACE)
 target_include_directories(udunits2 SYSTEM INTERFACE ${UDUNITS2_INCLUDE_DIR})
 target_link_libraries(udunits2 INTERFACE ${UDUNITS2_LIBRARY})
+
+if(NOT VORNAX_RUNTIME)
+    find_package(rapidcheck REQUIRED) # property tests
+endif()
