@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Where the former report is looked for, and the command that shows it.
+#include <QDateTime>
+#include <QtTest>
+
+#include "reports/linearityreport.h"
+#include "reports/previousreport.h"
+
+class PreviousReportPath : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void path_has_table_and_day_of_the_last_calibration();
+    void path_is_the_writers_on_the_day_of_the_calibration();
+    void table_that_was_never_calibrated();
+    void command_data();
+    void command();
+};
+
+void PreviousReportPath::path_has_table_and_day_of_the_last_calibration()
+{
+    TABLE_RECORD table = {};
+    qstrncpy(table.table_name, "oil_pressure", sizeof table.table_name);
+    for (const QTime &time : {QTime(0, 0), QTime(23, 59, 59)}) {
+        table.last_cal_time = QDateTime(QDate(2024, 3, 5), time).toSecsSinceEpoch();
+        QCOMPARE(previous_report_path(table),
+                 QByteArray("/cell/tables/reports/oil_pressure_03052024.html"));
+    }
+}
+
+void PreviousReportPath::path_is_the_writers_on_the_day_of_the_calibration()
+{
+    TABLE_RECORD table = {};
+    qstrncpy(table.table_name, "one", sizeof table.table_name);
+    table.last_cal_time = QDateTime(QDate(2024, 12, 31), QTime(12, 0)).toSecsSinceEpoch();
+    QCOMPARE(previous_report_path(table), permanent_report_path(table, QDate(2024, 12, 31)));
+    QVERIFY(previous_report_path(table) != permanent_report_path(table, QDate(2025, 1, 1)));
+}
+
+void PreviousReportPath::table_that_was_never_calibrated()
+{
+    const TABLE_RECORD table = {};
+    const QString day = QDateTime::fromSecsSinceEpoch(0).toString("MMddyyyy");
+    QCOMPARE(QString(previous_report_path(table)), "/cell/tables/reports/_" + day + ".html");
+}
+
+void PreviousReportPath::command_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("command");
+    const QByteArray long_path(250, 'a');
+    QTest::newRow("plain") << QByteArray("/a/b_c.html") << QByteArray("firefox /a/b_c.html");
+    QTest::newRow("quoted") << QByteArray("/a b") << QByteArray("firefox '/a b'");
+    QTest::newRow("quote within") << QByteArray("/it's") << QByteArray("firefox '/it'\\''s'");
+    QTest::newRow("fits in 200 bytes")
+        << long_path.left(191) << QByteArray("firefox " + long_path.left(191));
+    QTest::newRow("longer is cut") << long_path << QByteArray("firefox " + long_path.left(191));
+    QTest::newRow("quoted stays whole")
+        << QByteArray(" " + long_path) << QByteArray("firefox ' " + long_path + "'");
+}
+
+void PreviousReportPath::command()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, command);
+    QCOMPARE(browser_command(path), command);
+}
+
+QTEST_APPLESS_MAIN(PreviousReportPath)
+#include "test_previousreport.moc"
