@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Keyword text files: keyword lines that begin with "@", each followed by its
+// value line. Every writer of such a file makes its lines here, so that what one
+// writes another reads; the host's get_1st_line and get_next_line read them.
+#ifndef RECORDS_KEYWORDLINES_H
+#define RECORDS_KEYWORDLINES_H
+
+#include <QByteArray>
+#include <QString>
+
+// One line in UTF-8. A break or zero byte within it becomes a blank, so that it
+// stays one line.
+QByteArray text_line(const QString &text);
+
+// The keyword's line and its value's.
+QByteArray keyword_lines(const char *keyword, const QString &value);
+
+// Replaces the whole file; path in UTF-8. A write that fails costs one entry in
+// the host's log, nothing else.
+void write_keyword_file(const QByteArray &path, const QByteArray &text);
+
+#endif

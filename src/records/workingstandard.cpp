@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "records/workingstandard.h"
+
+#include <cstdio>
+
+#include "host/operations.h"
+#include "records/keywordlines.h"
+
+namespace
+{
+
+constexpr std::size_t PATH_SIZE = 304;
+
+struct Entry {
+    const char *keyword;
+    QString WorkingStandard::*value;
+};
+
+// In the order of the file, which the reader keeps: its search need not begin
+// anew.
+const Entry ENTRIES[] = {
+    {"@WS_MAKE_KEYWORD", &WorkingStandard::make},
+    {"@WS_MODEL_KEYWORD", &WorkingStandard::model},
+    {"@WS_CAL_DATE_KEYWORD", &WorkingStandard::cal_date},
+    {"@WS_SERIAL_NO_KEYWORD", &WorkingStandard::serial_no},
+    {"@WS_RANGE_KEYWORD", &WorkingStandard::range},
+};
+
+template <std::size_t Size> void store(char (&field)[Size], const QString &text)
+{
+    copyn(__FILE__, __LINE__, field, text.toUtf8().constData(), Size);
+}
+
+} // namespace
+
+bool is_complete(const WorkingStandard &standard)
+{
+    if (standard.name.isEmpty())
+        return false;
+    for (const Entry &entry : ENTRIES) {
+        if ((standard.*entry.value).isEmpty())
+            return false;
+    }
+    return true;
+}
+
+QByteArray working_standard_path(const QString &name)
+{
+    return QStringLiteral("%1%2.txt").arg(QLatin1String(WORKING_STANDARD_FOLDER), name).toUtf8();
+}
+
+QByteArray working_standard_lookup_path(const QString &name)
+{
+    char path[PATH_SIZE];
+    copyn(__FILE__, __LINE__, path, working_standard_path(name).constData(), sizeof path);
+    return QByteArray(path);
+}
+
+std::optional<WorkingStandard> read_working_standard(const QString &name)
+{
+    std::FILE *file = std::fopen(working_standard_lookup_path(name).constData(), "re");
+    if (file == nullptr)
+        return std::nullopt;
+    WorkingStandard standard;
+    standard.name = name;
+    for (const Entry &entry : ENTRIES) {
+        char line[LINE_BUFFER];
+        if (get_1st_line(file, line, entry.keyword) != KEYWORD_NOT_FOUND)
+            standard.*entry.value = QString::fromUtf8(line);
+    }
+    std::fclose(file);
+    return standard;
+}
+
+QByteArray working_standard_text(const WorkingStandard &standard)
+{
+    QByteArray text =
+        text_line(QStringLiteral("# Information for working standard - %1").arg(standard.name));
+    for (const Entry &entry : ENTRIES)
+        text += keyword_lines(entry.keyword, standard.*entry.value);
+    return text;
+}
+
+void write_working_standard(const WorkingStandard &standard)
+{
+    write_keyword_file(working_standard_path(standard.name), working_standard_text(standard));
+}
+
+void store_working_standard(const WorkingStandard &standard, LINE_RPT *report)
+{
+    store(report->ws_qie_number, standard.name);
+    store(report->ws_make, standard.make);
+    store(report->ws_model, standard.model);
+    store(report->ws_cal_date, standard.cal_date);
+    store(report->ws_serial_no, standard.serial_no);
+    store(report->ws_range, standard.range);
+}
