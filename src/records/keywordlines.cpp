@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <QTextCodec>
+
 #include "host/operations.h"
 
 namespace
@@ -40,6 +42,14 @@ QByteArray text_line(const QString &text)
 QByteArray keyword_lines(const char *keyword, const QString &value)
 {
     return QByteArray(keyword) + '\n' + text_line(value);
+}
+
+// QString::fromUtf8 would drop a byte order mark that the text begins with.
+QString text_of_line(const char *line)
+{
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    return QTextCodec::codecForName("UTF-8")->toUnicode(line, static_cast<int>(std::strlen(line)),
+                                                        &state);
 }
 
 void write_keyword_file(const QByteArray &path, const QByteArray &text)

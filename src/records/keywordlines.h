@@ -16,6 +16,10 @@ QByteArray text_line(const QString &text);
 // The keyword's line and its value's.
 QByteArray keyword_lines(const char *keyword, const QString &value);
 
+// Text of a line that the host's readers delivered. Bytes that are no UTF-8 become
+// replacement characters.
+QString text_of_line(const char *line);
+
 // Replaces the whole file; path in UTF-8. A write that fails costs one entry in
 // the host's log, nothing else.
 void write_keyword_file(const QByteArray &path, const QByteArray &text);

@@ -66,7 +66,7 @@ std::optional<WorkingStandard> read_working_standard(const QString &name)
     for (const Entry &entry : ENTRIES) {
         char line[LINE_BUFFER];
         if (get_1st_line(file, line, entry.keyword) != KEYWORD_NOT_FOUND)
-            standard.*entry.value = QString::fromUtf8(line);
+            standard.*entry.value = text_of_line(line);
     }
     std::fclose(file);
     return standard;
