@@ -229,13 +229,18 @@ void Driver::expect_rewritten(const char *table)
     m_expected_files.append(QStringLiteral("rewritten %1").arg(QLatin1String(table)));
 }
 
+QString Driver::next_picture(const QString &name)
+{
+    return QStringLiteral("%1/%2-%3.png")
+        .arg(m_folder)
+        .arg(++m_pictures, 2, 10, QLatin1Char('0'))
+        .arg(name);
+}
+
 void Driver::picture(const QString &name)
 {
     settle();
-    const QString file = QStringLiteral("%1/%2-%3.png")
-                             .arg(m_folder)
-                             .arg(++m_pictures, 2, 10, QLatin1Char('0'))
-                             .arg(name);
+    const QString file = next_picture(name);
     QScreen *screen = QGuiApplication::primaryScreen();
     const bool saved = screen->grabWindow(0).save(file);
     tell((saved ? QStringLiteral("picture ") : QStringLiteral("no picture ")) + file);

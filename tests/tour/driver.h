@@ -72,6 +72,9 @@ public:
                 const QString &picture_name = QString());
     // A picture of the whole screen, numbered; the name tells the state.
     void picture(const QString &name);
+    // File for the next picture, for one that is taken by other means.
+    QString next_picture(const QString &name);
+    const QString &folder() const { return m_folder; }
 
     // The table's archive has gained a record of that step, as vxtable names it.
     void expect_record(const char *table, const char *step);

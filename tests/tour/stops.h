@@ -27,6 +27,11 @@ void stop_service(tour::Driver &driver);
 void stop_verification_alone(tour::Driver &driver);
 void stop_new_correlation(tour::Driver &driver);
 
+// tour_records.cpp, right behind the straight road: the table of its channel is
+// what the last two dialogs start from, its calibration is what is reported.
+void stop_supporting_records(tour::Driver &driver);
+void stop_linearity_report(tour::Driver &driver);
+
 // tour_sensor.cpp
 void stop_equal_limits(tour::Driver &driver);
 void stop_unlike_units(tour::Driver &driver);

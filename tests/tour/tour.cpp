@@ -22,6 +22,8 @@ struct Stop {
 constexpr Stop STOPS[] = {
     {"start", stop_start},
     {"the straight road of a calibration", stop_straight_road},
+    {"the supporting records", stop_supporting_records},
+    {"the linearity report", stop_linearity_report},
     {"good as found, and kept", stop_good_as_found},
     {"an adjustment that is not needed", stop_needless_adjustment},
     {"a re-use against the data, and As-Found again", stop_reuse_against_the_data},
