@@ -18,7 +18,7 @@ std::array<QLineEdit *, EXPECTED_VALUES> fields_of(const Ui::MeasurementSystemDi
 
 void tell(QWidget *owner, const QString &text)
 {
-    ask(owner, QMessageBox::Information, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
+    ask(owner, QMessageBox::Warning, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/specsfile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +8,7 @@
 #include <QTextCodec>
 
 #include "host/operations.h"
+#include "records/keywordlines.h"
 
 namespace
 {
@@ -56,29 +56,6 @@ void read_emails(FILE *file, char (&line)[LINE_BUFFER], SPECS_BLOCK *specs)
         store_email(specs, line);
 }
 
-QByteArray one_line(QByteArray value)
-{
-    std::replace_if(
-        value.begin(), value.end(), [](char c) { return c == '\n' || c == '\r' || c == '\0'; },
-        ' ');
-    return value + '\n';
-}
-
-QByteArray pair(const char *keyword, const QByteArray &value)
-{
-    return one_line(keyword) + one_line(value);
-}
-
-bool write_whole(const QByteArray &text)
-{
-    FILE *file = std::fopen(SPECS_PATH, "w");
-    if (file == nullptr)
-        return false;
-    const auto size = static_cast<std::size_t>(text.size());
-    const bool written = std::fwrite(text.constData(), 1, size, file) == size;
-    return std::fclose(file) == 0 && written;
-}
-
 } // namespace
 
 bool read_specs(SPECS_BLOCK *specs)
@@ -100,12 +77,12 @@ bool read_specs(SPECS_BLOCK *specs)
 
 void write_specs(const SPECS_LINES &lines)
 {
-    QByteArray text = pair(TEMPERATURE_KEYWORD, lines.temperature) +
-                      pair(BAROMETER_KEYWORD, lines.barometer) +
-                      pair(HUMIDITY_KEYWORD, lines.humidity) + one_line(EMAIL_KEYWORD);
+    QByteArray text = keyword_lines(TEMPERATURE_KEYWORD, lines.temperature) +
+                      keyword_lines(BAROMETER_KEYWORD, lines.barometer) +
+                      keyword_lines(HUMIDITY_KEYWORD, lines.humidity) + text_line(EMAIL_KEYWORD);
     for (const QByteArray &email : lines.emails)
-        text += one_line(email);
-    if (!write_whole(text))
+        text += text_line(email);
+    if (!write_keyword_file(SPECS_PATH, text))
         log_error(__FILE__, __LINE__, SEVERITY, LOG_UNWRITABLE,
                   "zerl_util - unable to write the ini file <%s>: %s", SPECS_PATH,
                   std::strerror(errno));

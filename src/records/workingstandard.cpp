@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/workingstandard.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "host/operations.h"
 #include "records/keywordlines.h"
@@ -74,16 +76,19 @@ std::optional<WorkingStandard> read_working_standard(const QString &name)
 
 QByteArray working_standard_text(const WorkingStandard &standard)
 {
-    QByteArray text =
-        text_line(QStringLiteral("# Information for working standard - %1").arg(standard.name));
+    QByteArray text = text_line(
+        QStringLiteral("# Information for working standard - %1").arg(standard.name).toUtf8());
     for (const Entry &entry : ENTRIES)
-        text += keyword_lines(entry.keyword, standard.*entry.value);
+        text += keyword_lines(entry.keyword, (standard.*entry.value).toUtf8());
     return text;
 }
 
 void write_working_standard(const WorkingStandard &standard)
 {
-    write_keyword_file(working_standard_path(standard.name), working_standard_text(standard));
+    const QByteArray path = working_standard_path(standard.name);
+    if (!write_keyword_file(path, working_standard_text(standard)))
+        log_error(__FILE__, __LINE__, 1, errno, "Unable to write <%s>: %s", path.constData(),
+                  std::strerror(errno));
 }
 
 void store_working_standard(const WorkingStandard &standard, LINE_RPT *report)

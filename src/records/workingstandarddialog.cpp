@@ -17,7 +17,7 @@ bool folder_stands()
 
 void tell(QWidget *owner, const QString &text)
 {
-    ask(owner, QMessageBox::Information, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
+    ask(owner, QMessageBox::Warning, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
 }
 
 } // namespace

@@ -184,7 +184,7 @@ void SystemDialog::empty_field()
     QCOMPARE(dialog.exec(), int(QDialog::Rejected));
     const MetBox &box = answerer.met().last();
     QVERIFY(is_ok_box(box));
-    QCOMPARE(box.icon, QMessageBox::Information);
+    QCOMPARE(box.icon, QMessageBox::Warning);
 }
 
 void SystemDialog::text_that_is_no_number_data()
@@ -237,7 +237,7 @@ void SystemDialog::text_that_is_no_number()
     QCOMPARE(reported(), mended);
     const MetBox &box = answerer.met().last();
     QVERIFY(is_ok_box(box));
-    QCOMPARE(box.icon, QMessageBox::Information);
+    QCOMPARE(box.icon, QMessageBox::Warning);
 }
 
 void SystemDialog::emptiness_is_looked_at_first()

@@ -277,7 +277,7 @@ void StandardsDialog::guard()
     QCOMPARE(reported(), VALUES);
     const MetBox &box = answerer.met().last();
     QVERIFY(is_ok_box(box));
-    QCOMPARE(box.icon, QMessageBox::Information);
+    QCOMPARE(box.icon, QMessageBox::Warning);
 }
 
 void StandardsDialog::second_save_overwrites_the_whole_file()
@@ -328,7 +328,7 @@ void StandardsDialog::folder_that_cannot_be_made()
     WorkingStandardDialog dialog(&m_name, nullptr);
     QCOMPARE(answerer.remaining(), 0);
     QVERIFY(is_ok_box(answerer.met().last()));
-    QCOMPARE(answerer.met().last().icon, QMessageBox::Information);
+    QCOMPARE(answerer.met().last().icon, QMessageBox::Warning);
     QCOMPARE(shown(dialog), QStringList({"DW-12", "", "", "", "", ""}));
     QVERIFY(is_name_open(dialog));
     QCOMPARE(reported(), NOTHING);

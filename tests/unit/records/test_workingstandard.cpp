@@ -250,7 +250,7 @@ void WorkingStandardFile::ten_thousand_entries()
 {
     QByteArray file;
     for (int i = 0; i < 10000; ++i)
-        file += keyword_lines("@WS_MAKE_KEYWORD", "A" + QString::number(i));
+        file += keyword_lines("@WS_MAKE_KEYWORD", "A" + QByteArray::number(i));
     file += DEAD_WEIGHT_FILE.mid(DEAD_WEIGHT_FILE.indexOf("@WS_MODEL"));
     QCOMPARE(read_values(file), QString("A0|P 3000|03/14/2026|SN 77|0 to 100 kPa"));
     // Missing ones are looked for throughout.
@@ -311,7 +311,7 @@ void WorkingStandardFile::any_lines_come_back_as_they_were_read()
 void WorkingStandardFile::breaks_and_zero_bytes_become_blanks()
 {
     QCOMPARE(keyword_lines("@K", "a\nb\r\nc"), QByteArray("@K\na b  c\n"));
-    QCOMPARE(text_line(QString::fromLatin1("a\0b", 3)), QByteArray("a b\n"));
+    QCOMPARE(text_line(QByteArray("a\0b", 3)), QByteArray("a b\n"));
     QCOMPARE(text_line(""), QByteArray("\n"));
     const WorkingStandard standard = {"X", "a\n@WS_RANGE_KEYWORD\nb", "m", "d", "s", "r\r"};
     write_working_standard(standard);
@@ -420,7 +420,7 @@ void WorkingStandardFile::failed_write_is_logged()
     for (const LoggedEntry &entry : entries) {
         QCOMPARE(entry.text, "Unable to write </specs/working_standards/DW-12.txt>: " + reason);
         QCOMPARE(entry.severity, 1);
-        QCOMPARE(entry.source, QString("keywordlines.cpp"));
+        QCOMPARE(entry.source, QString("workingstandard.cpp"));
     }
     write_working_standard({"good", "a", "b", "c", "d", "e"});
     QCOMPARE(log.entries().size(), obstacle == "no folder" ? 3 : 2);
