@@ -55,6 +55,7 @@ private slots:
     void flags();
     void starts_from_the_table_data();
     void starts_from_the_table();
+    void units_as_long_as_their_field_are_not_cut();
     void opening_stores_nothing();
     void unchanged_values_are_confirmed_as_shown();
     void empty_field_data();
@@ -137,6 +138,18 @@ void SystemDialog::starts_from_the_table()
     for (const char *label : {"txtUnits1", "txtUnits2", "txtUnits3", "txtUnits4"}) {
         QCOMPARE(part<QLabel>(dialog, label)->text(), units);
         QCOMPARE(part<QLabel>(dialog, label)->textFormat(), Qt::PlainText);
+    }
+}
+
+void SystemDialog::units_as_long_as_their_field_are_not_cut()
+{
+    set_text(g_cfg->table.eng_units, "WWWWWWWWWWWWWWW");
+    MeasurementSystemDialog dialog(nullptr);
+    dialog.show();
+    for (const char *name : {"txtUnits1", "txtUnits2", "txtUnits3", "txtUnits4"}) {
+        const auto *const label = part<QLabel>(dialog, name);
+        QVERIFY(label->width() >= label->sizeHint().width());
+        QVERIFY(dialog.rect().contains(label->geometry()));
     }
 }
 
