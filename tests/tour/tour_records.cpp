@@ -97,23 +97,68 @@ void show_report_actions(Driver &driver)
                        });
 }
 
+// Without a file yet: its name is fixed, and every field has to be filled in.
+void enter_new_standard(Driver &driver)
+{
+    const struct {
+        const char *field;
+        const char *text;
+    } entries[] = {{"txtWSMake", "Deadweight"},
+                   {"txtWSModel", "DWT-30"},
+                   {"txtWSCalDate", "2024-02-01"},
+                   {"txtWSSerialNo", "10581"},
+                   {"txtWSRange", "0 to 3000 kPa"}};
+    QLineEdit name(QStringLiteral("DWT-30"));
+    driver.with_dialog([&] { WorkingStandardDialog(&name, driver.window()).exec(); },
+                       [&](QWidget *dialog) {
+                           auto *ok = driver.find<QPushButton>("btnWSOK", dialog);
+                           driver.picture(QStringLiteral("new-working-standard"));
+                           driver.answer([&] { driver.press(ok); }, QStringLiteral("-"),
+                                         QStringLiteral("OK"),
+                                         QStringLiteral("working-standard-incomplete"));
+                           for (const auto &entry : entries)
+                               type(driver, dialog, entry.field, QLatin1String(entry.text));
+                           driver.press(ok);
+                       });
+    driver.check(content_of(driver, "/specs/working_standards/DWT-30.txt") ==
+                     "# Information for working standard - DWT-30\n@WS_MAKE_KEYWORD\nDeadweight\n"
+                     "@WS_MODEL_KEYWORD\nDWT-30\n@WS_CAL_DATE_KEYWORD\n2024-02-01\n"
+                     "@WS_SERIAL_NO_KEYWORD\n10581\n@WS_RANGE_KEYWORD\n0 to 3000 kPa\n",
+                 QStringLiteral("the new standard has its file"));
+}
+
+// As the cell has it: nothing is left to type, and its file stays as it is.
 void show_working_standard(Driver &driver)
 {
+    constexpr char path[] = "/specs/working_standards/DWT-12.txt";
+    const QByteArray before = content_of(driver, path);
     QLineEdit name(QStringLiteral("DWT-12"));
     driver.with_dialog([&] { WorkingStandardDialog(&name, driver.window()).exec(); },
                        [&](QWidget *dialog) {
+                           driver.check(driver.find<QLineEdit>("txtWSRange", dialog)->text() ==
+                                            QLatin1String("0 to 1400 kPa"),
+                                        QStringLiteral("the standard's file has been read"));
                            driver.picture(QStringLiteral("working-standard"));
                            driver.press(driver.find<QPushButton>("btnWSOK", dialog));
                        });
+    driver.check(content_of(driver, path) == before,
+                 QStringLiteral("what was read is written again"));
 }
 
 void show_measurement_system(Driver &driver)
 {
-    driver.with_dialog([&] { MeasurementSystemDialog(driver.window()).exec(); },
-                       [&](QWidget *dialog) {
-                           driver.picture(QStringLiteral("measurement-system"));
-                           driver.press(driver.find<QPushButton>("btnOK", dialog));
-                       });
+    driver.with_dialog(
+        [&] { MeasurementSystemDialog(driver.window()).exec(); },
+        [&](QWidget *dialog) {
+            auto *ok = driver.find<QPushButton>("btnOK", dialog);
+            const QString largest = driver.find<QLineEdit>("txtMaxExpVal", dialog)->text();
+            driver.picture(QStringLiteral("measurement-system"));
+            type(driver, dialog, "txtMaxExpVal", QStringLiteral("a lot"));
+            driver.answer([&] { driver.press(ok); }, QStringLiteral("-"), QStringLiteral("OK"),
+                          QStringLiteral("expected-value-refused"));
+            type(driver, dialog, "txtMaxExpVal", largest);
+            driver.press(ok);
+        });
 }
 
 // Browser and the arguments that have it write a picture of a page.
@@ -182,6 +227,7 @@ void stop_supporting_records(Driver &driver)
     qobject_cast<MainWindow *>(driver.window())->read_specs_file();
     show_environment(driver);
     show_report_actions(driver);
+    enter_new_standard(driver);
     show_working_standard(driver);
     show_measurement_system(driver);
     driver.check(content_of(driver, "/cell/zerl_util_specs.ini") ==

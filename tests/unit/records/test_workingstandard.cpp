@@ -112,6 +112,7 @@ private slots:
     void no_file();
     void line_of_one_megabyte_is_cut();
     void ten_thousand_entries();
+    void standards_of_the_training_cell();
     void name_in_the_file_plays_no_part();
     void any_six_texts_come_back();
     void any_lines_come_back_as_they_were_read();
@@ -255,6 +256,20 @@ void WorkingStandardFile::ten_thousand_entries()
     QCOMPARE(read_values(file), QString("A0|P 3000|03/14/2026|SN 77|0 to 100 kPa"));
     // Missing ones are looked for throughout.
     QCOMPARE(read_values(file.left(file.indexOf("@WS_MODEL"))), QString("A0||||"));
+}
+
+void WorkingStandardFile::standards_of_the_training_cell()
+{
+    const QDir shipped(PROJECT_SOURCE_DIR "/hostsim/cells/training/specs/working_standards");
+    const QFileInfoList files = shipped.entryInfoList({"*.txt"}, QDir::Files);
+    QVERIFY(!files.isEmpty());
+    for (const QFileInfo &file : files) {
+        const QByteArray bytes = read_file(file.filePath());
+        write_file(file_of(file.completeBaseName()), bytes);
+        const std::optional<WorkingStandard> read = read_working_standard(file.completeBaseName());
+        QVERIFY2(read && is_complete(*read), qPrintable(file.fileName()));
+        QCOMPARE(working_standard_text(*read), bytes);
+    }
 }
 
 void WorkingStandardFile::name_in_the_file_plays_no_part()
