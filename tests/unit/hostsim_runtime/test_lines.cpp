@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QtTest>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
 #include "host/operations.h"
 #include "logreader.h"
+#include "support/anytext.h"
 
 namespace
 {
@@ -44,6 +46,9 @@ private slots:
     void passed_over_lines_are_not_logged();
     void zero_bytes_in_a_line();
     void a_specs_file_reads_in_order();
+    void file_that_cannot_be_searched_backwards();
+    void every_line_of_any_file();
+    void keyword_in_any_file();
 };
 
 void Lines::next_line_data()
@@ -240,6 +245,64 @@ void Lines::a_specs_file_reads_in_order()
     QCOMPARE(get_next_line(file.get(), line), 0);
     QCOMPARE(line, "two@cell");
     QCOMPARE(get_next_line(file.get(), line), -1);
+}
+
+// A pipe is read on to its end.
+void Lines::file_that_cannot_be_searched_backwards()
+{
+    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen("printf '@A\\n1\\n@B\\n2\\n'", "r"),
+                                                      pclose);
+    char line[LINE_BUFFER] = "before";
+    QCOMPARE(get_1st_line(pipe.get(), line, "@A"), 0);
+    QCOMPARE(line, "1");
+    QCOMPARE(get_1st_line(pipe.get(), line, "@C"), -51);
+    QCOMPARE(line, "1");
+    QCOMPARE(get_next_line(pipe.get(), line), -1);
+}
+
+void Lines::every_line_of_any_file()
+{
+    QVERIFY(rc::check("lines come as they were written", [] {
+        const std::vector<std::string> lines = *any_list(1, 50, any_line(LINE_BUFFER - 1));
+        const std::string end = *rc::gen::element<std::string>("\n", "\r\n");
+        std::string content;
+        for (const std::string &line : lines)
+            content += line + end;
+        const File file = file_of(QByteArray::fromStdString(content));
+        char read[LINE_BUFFER];
+        for (const std::string &line : lines) {
+            RC_ASSERT(get_next_line(file.get(), read) == 0);
+            RC_ASSERT(read == line);
+        }
+        RC_ASSERT(get_next_line(file.get(), read) == LINE_END_OF_FILE);
+    }));
+}
+
+// From any line on: the first keyword behind it, or else the first of all.
+void Lines::keyword_in_any_file()
+{
+    QVERIFY(rc::check("the line behind the keyword", [] {
+        const auto any = rc::gen::element<std::string>("@KEY", "@KEY ", "@KEYS", "", "a", "b");
+        const std::vector<std::string> lines = *any_list(1, 12, any);
+        const auto start = *rc::gen::inRange<std::size_t>(0, lines.size() + 1);
+        std::string content;
+        for (const std::string &line : lines)
+            content += line + '\n';
+        const File file = file_of(QByteArray::fromStdString(content));
+        char read[LINE_BUFFER] = "before";
+        for (std::size_t i = 0; i < start; ++i)
+            get_next_line(file.get(), read);
+        const std::string before = read;
+        const auto from = lines.begin() + static_cast<std::ptrdiff_t>(start);
+        auto found = std::find(from, lines.end(), "@KEY");
+        if (found == lines.end())
+            found = std::find(lines.begin(), from, "@KEY");
+        const bool present = found != lines.end() && *found == "@KEY";
+        const bool last = present && found + 1 == lines.end();
+        const int32_t status = get_1st_line(file.get(), read, "@KEY");
+        RC_ASSERT(status == (!present ? KEYWORD_NOT_FOUND : last ? LINE_END_OF_FILE : 0));
+        RC_ASSERT(read == (!present ? before : last ? std::string("@KEY") : *(found + 1)));
+    }));
 }
 
 QTEST_APPLESS_MAIN(Lines)
