@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Files of working standards, reader against writer, and the report's copy.
+// Files of working standards, reader against writer.
 #include <algorithm>
-#include <cstddef>
-#include <cstring>
 
 #include <QDir>
 #include <QtTest>
@@ -14,13 +12,6 @@
 #include "support/anytext.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
-
-// Six texts of 80 bytes, the name first.
-static_assert(offsetof(LINE_RPT, ws_make) == offsetof(LINE_RPT, ws_qie_number) + 80, "make");
-static_assert(offsetof(LINE_RPT, ws_model) == offsetof(LINE_RPT, ws_make) + 80, "model");
-static_assert(offsetof(LINE_RPT, ws_cal_date) == offsetof(LINE_RPT, ws_model) + 80, "date");
-static_assert(offsetof(LINE_RPT, ws_serial_no) == offsetof(LINE_RPT, ws_cal_date) + 80, "serial");
-static_assert(offsetof(LINE_RPT, ws_range) == offsetof(LINE_RPT, ws_serial_no) + 80, "range");
 
 namespace
 {
@@ -124,10 +115,6 @@ private slots:
     void name_with_a_path_separator_is_not_refused();
     void failed_write_is_logged_data();
     void failed_write_is_logged();
-    void complete_data();
-    void complete();
-    void report_takes_the_six_texts();
-    void report_cuts_at_80_bytes();
 };
 
 void WorkingStandardFile::init()
@@ -439,64 +426,6 @@ void WorkingStandardFile::failed_write_is_logged()
     }
     write_working_standard({"good", "a", "b", "c", "d", "e"});
     QCOMPARE(log.entries().size(), obstacle == "no folder" ? 3 : 2);
-}
-
-void WorkingStandardFile::complete_data()
-{
-    QTest::addColumn<int>("empty");
-    const char *const names[] = {"name",          "make", "model", "calibration date",
-                                 "serial number", "range"};
-    for (int i = 0; i < 6; ++i)
-        QTest::newRow(names[i]) << i;
-}
-
-void WorkingStandardFile::complete()
-{
-    QFETCH(int, empty);
-    Six texts = DEAD_WEIGHT;
-    QVERIFY(is_complete(standard_of(texts)));
-    texts[static_cast<std::size_t>(empty)].clear();
-    QVERIFY(!is_complete(standard_of(texts)));
-    texts[static_cast<std::size_t>(empty)] = " "; // a blank is a text
-    QVERIFY(is_complete(standard_of(texts)));
-}
-
-void WorkingStandardFile::report_takes_the_six_texts()
-{
-    LINE_RPT report = {};
-    store_working_standard(standard_of(DEAD_WEIGHT), &report);
-    QCOMPARE(report.ws_qie_number, "DW-12");
-    QCOMPARE(report.ws_make, "Pascal & Sons");
-    QCOMPARE(report.ws_model, "P 3000");
-    QCOMPARE(report.ws_cal_date, "03/14/2026");
-    QCOMPARE(report.ws_serial_no, "SN 77");
-    QCOMPARE(report.ws_range, "0 to 100 kPa");
-    LINE_RPT untouched = report;
-    std::memset(untouched.ws_qie_number, 0, 6 * sizeof untouched.ws_qie_number);
-    const LINE_RPT zero = {};
-    QVERIFY(std::memcmp(&untouched, &zero, sizeof zero) == 0);
-    store_working_standard({}, &report);
-    QCOMPARE(report.ws_make, "");
-}
-
-void WorkingStandardFile::report_cuts_at_80_bytes()
-{
-    LINE_RPT report = {};
-    const HostLog log;
-    WorkingStandard standard = standard_of(DEAD_WEIGHT);
-    standard.make = QString(79, 'm');
-    standard.model = QString(200, 'n');
-    standard.range = QString(78, 'r') + QString::fromUtf8("\xc2\xb0"
-                                                          "C"); // byte 79 is half a sign
-    store_working_standard(standard, &report);
-    QCOMPARE(QByteArray(report.ws_make), QByteArray(79, 'm'));
-    QCOMPARE(QByteArray(report.ws_model), QByteArray(79, 'n'));
-    QCOMPARE(QByteArray(report.ws_range), QByteArray(78, 'r'));
-    QCOMPARE(report.ws_cal_date, "03/14/2026");
-    QCOMPARE(log.count_containing("text longer than 79 bytes cut"), 2);
-    // The file keeps what the report loses.
-    write_working_standard(standard);
-    QCOMPARE(read_working_standard("DW-12")->model, QString(200, 'n'));
 }
 
 QTEST_GUILESS_MAIN(WorkingStandardFile)
