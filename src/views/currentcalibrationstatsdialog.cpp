@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/currentcalibrationstatsdialog.h"
 
+#include <algorithm>
+
+#include <QScrollBar>
+
 #include "calibration/comparison.h"
 #include "calibration/plotcurve.h"
 #include "ui_currentcalibrationstatsdialog.h"
@@ -15,6 +19,8 @@ CurrentCalibrationStatsDialog::CurrentCalibrationStatsDialog(QWidget *parent)
     add_rows(count);
     for (int i = 0; i < count; ++i)
         compute_row(i);
+    connect(ui->scrollArea->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &CurrentCalibrationStatsDialog::show_rows_in_reach);
 }
 
 CurrentCalibrationStatsDialog::~CurrentCalibrationStatsDialog()
@@ -26,9 +32,33 @@ void CurrentCalibrationStatsDialog::add_rows(int count)
 {
     for (int i = 0; i < count; ++i) {
         auto *row = new StatInfo(static_cast<int16_t>(i), ui->scrollAreaWidgetContents);
+        // Showing them takes longer than making them, so each waits for its turn
+        // in the place that it will have.
+        QSizePolicy policy = row->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        row->setSizePolicy(policy);
+        row->hide();
         m_rows.append(row);
         ui->verticalLayout->addWidget(row);
     }
+}
+
+void CurrentCalibrationStatsDialog::resizeEvent(QResizeEvent *event)
+{
+    QDialog::resizeEvent(event);
+    show_rows_in_reach();
+}
+
+// The window's height covers what the scrolled part can show of it.
+void CurrentCalibrationStatsDialog::show_rows_in_reach()
+{
+    if (m_rows.isEmpty())
+        return;
+    const int row_height = m_rows.first()->sizeHint().height();
+    const int top = ui->scrollArea->verticalScrollBar()->value();
+    const int last = std::min((top + height()) / row_height + 1, m_rows.size());
+    for (int i = std::max(top / row_height, 0); i < last; ++i)
+        m_rows.at(i)->show();
 }
 
 void CurrentCalibrationStatsDialog::compute_row(int i)

@@ -25,9 +25,13 @@ public:
     explicit CurrentCalibrationStatsDialog(QWidget *parent);
     ~CurrentCalibrationStatsDialog() override;
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void add_rows(int count);
     void compute_row(int i);
+    void show_rows_in_reach();
 
     QList<StatInfo *> m_rows;
     Ui::CurrentCalibrationStatsDialog *ui;

@@ -82,6 +82,7 @@ private slots:
     void odd_counts();
     void labels_stand_under_their_headings();
     void few_rows_stand_at_the_top();
+    void every_row_in_view_is_shown_wherever_it_is_scrolled();
     void opened_twice();
     void record_by_the_second_pointer();
     void closing();
@@ -282,6 +283,40 @@ void CalibrationStatistics::few_rows_stand_at_the_top()
         QCOMPARE(rows[i]->height(), 31);
         QCOMPARE(rows[i]->mapTo(rows[0]->parentWidget(), QPoint(0, 0)).y(), 31 * i);
     }
+}
+
+void CalibrationStatistics::every_row_in_view_is_shown_wherever_it_is_scrolled()
+{
+    set_points(&g_cfg->long_current, QVector<QPointF>(MAX_POINTS, {1., 2.}));
+    CurrentCalibrationStatsDialog view(nullptr);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    auto *area = part<QScrollArea>(&view, "scrollArea");
+    QScrollBar *bar = area->verticalScrollBar();
+    QCOMPARE(bar->maximum(), 64 * 31 - area->viewport()->height()); // each has its place
+    const auto all_shown = [&] {
+        const QRect seen = area->viewport()->rect();
+        int in_view = 0;
+        for (const StatInfo *row : rows_of(view)) {
+            if (!seen.intersects({row->mapTo(area->viewport(), QPoint(0, 0)), row->size()}))
+                continue;
+            if (!row->isVisible())
+                return false;
+            ++in_view;
+        }
+        return in_view >= seen.height() / 31;
+    };
+    QVERIFY(all_shown());
+    for (int value : {700, bar->maximum(), 1}) {
+        bar->setValue(value);
+        QVERIFY(all_shown());
+    }
+    QVERIFY(rows_of(view)[63]->isVisible());
+    CurrentCalibrationStatsDialog grown(nullptr);
+    grown.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grown));
+    grown.resize(grown.width(), 2200);
+    QTRY_VERIFY(rows_of(grown)[63]->isVisible());
 }
 
 void CalibrationStatistics::opened_twice()
