@@ -186,6 +186,9 @@ void MainWindow::give_up_channel()
     // Re-enters the slot of the combo, which may bring the dialog back; what
     // follows runs when that has unwound.
     ui->cboCurrentChannel->setCurrentIndex(0);
+    // Their slots show the table once more, so they go before what is emptied.
+    ui->cboCalType->setCurrentIndex(0);
+    ui->cboPolyRangeIndex->setCurrentIndex(0);
     show_no_channel();
     ui->btnGenerateLineRpt->setEnabled(false);
     // Fresh rows below the old ones, of which the list's first 64 stay the ones
@@ -195,9 +198,7 @@ void MainWindow::give_up_channel()
     ui->coeffFrame->hide();
     ui->lblTableName->clear();
     ui->txtNumPoints->clear();
-    ui->cboCalType->setCurrentIndex(0);
     ui->cboCalType->setEnabled(false);
-    ui->cboPolyRangeIndex->setCurrentIndex(0);
     ui->cboPolyRangeIndex->setEnabled(false);
     g_first_select = 1;
     remove_curves();

@@ -355,6 +355,8 @@ void Model::repair_range()
 void Model::give_up()
 {
     set_channel_item(-1);
+    set_type_item(0);
+    set_range_item(0);
     show_no_channel();
     view.line_report = false;
     view.row_objects += ROWS;
@@ -362,9 +364,7 @@ void Model::give_up()
     view.coefficients = false;
     view.table_name.clear();
     view.points_text.clear();
-    set_type_item(0);
     view.type_enabled = false;
-    set_range_item(0);
     view.range_enabled = false;
     first_select = 1;
     view.curves_removed = true;

@@ -19,6 +19,25 @@ const QString DIALOG = QStringLiteral("Transducer Calibration Configuration");
 const QString EQUAL_LIMITS = QStringLiteral("The Sensor Lower and Upper Range Values are the same."
                                             "\n\nPress OK to update Table Information");
 const QString NO_CHANNEL = QStringLiteral("Please select a valid channel number and name");
+
+// A channel of ranges whose limits are equal, beside those of every test.
+QByteArray with_ranges_to_refuse()
+{
+    return TestWindow::description() + R"(
+channel 10
+  label "Channel Ten"
+  units kPa
+  table ten
+  record POLY_RANGE
+  range 2
+  points 0:0 1000:20 2000:40
+  fit 1
+  range 5
+  points 2000:40 3000:60 4000:80 5000:100
+  fit 1
+  sensor kPa 100 100 MODEL10 SERIAL10
+)";
+}
 } // namespace
 
 class GiveUp : public QObject
@@ -36,8 +55,10 @@ private slots:
     void first_pick_of_no_channel_is_quiet_again();
     void refused_with_a_message_and_the_dialog_again();
     void repaired_range_keeps_the_channel();
+    void channel_with_ranges_is_given_up_whole();
 
 private:
+    void check_given_up() const;
     static void refuse(QDialog *dialog) { dialog->reject(); }
     static void repair(QDialog *dialog);
     int attached_curves() const
@@ -50,7 +71,7 @@ private:
 
 void GiveUp::initTestCase()
 {
-    m_it = std::make_unique<TestWindow>();
+    m_it = std::make_unique<TestWindow>(with_ranges_to_refuse());
 }
 
 void GiveUp::cleanupTestCase()
@@ -65,33 +86,8 @@ void GiveUp::repair(QDialog *dialog)
     dialog->findChild<QPushButton *>(QStringLiteral("btnOk"))->click();
 }
 
-void GiveUp::refused_dialog_gives_the_channel_up()
+void GiveUp::check_given_up() const
 {
-    m_it->bind_afresh(4); // POLY: coefficients and degree are on show
-    QVERIFY(!m_it->form->coeffFrame->isHidden());
-    QVERIFY(m_it->ticks(1));
-    QVERIFY(!m_it->form->dataPlot->title().text().isEmpty());
-    m_it->form->btnGenerateLineRpt->setEnabled(true);
-    g_first_select = 1;
-
-    BoxAnswerer answerer;
-    answerer.expect(UPDATE, EQUAL_LIMITS);
-    bool locked = false;
-    answerer.expect_dialog(DIALOG, [&](QDialog *dialog) {
-        // The monitor thread is held off while the dialog may change the record.
-        QMutex *const mutex = m_it->window->table_mutex();
-        std::thread([&] {
-            locked = !mutex->tryLock();
-            if (!locked)
-                mutex->unlock();
-        }).join();
-        refuse(dialog);
-    });
-    m_it->pick(6);
-    QCOMPARE(answerer.met().size(), 2);
-    QVERIFY(BoxAnswerer::has_title_bar_only(answerer.met().at(1)));
-    QVERIFY(locked);
-
     QCOMPARE(m_it->form->cboCurrentChannel->currentText(), QStringLiteral("Select A Channel"));
     QCOMPARE(attached_curves(), 0);
     QVERIFY(m_it->window->curves_are_removed());
@@ -111,6 +107,39 @@ void GiveUp::refused_dialog_gives_the_channel_up()
     QVERIFY(!m_it->form->cboPolyRangeIndex->isEnabled());
     QCOMPARE(m_it->rows_shown(), 0);
     QCOMPARE(g_first_select, int16_t(1));
+}
+
+void GiveUp::refused_dialog_gives_the_channel_up()
+{
+    m_it->bind_afresh(4); // POLY: coefficients and degree are on show
+    QVERIFY(!m_it->form->coeffFrame->isHidden());
+    QVERIFY(m_it->ticks(1));
+    QVERIFY(!m_it->form->dataPlot->title().text().isEmpty());
+    g_first_select = 1;
+
+    BoxAnswerer answerer;
+    answerer.expect(UPDATE, EQUAL_LIMITS);
+    bool locked = false;
+    answerer.expect_dialog(DIALOG, [&](QDialog *dialog) {
+        // The monitor thread is held off while the dialog may change the record.
+        QMutex *const mutex = m_it->window->table_mutex();
+        std::thread([&] {
+            locked = !mutex->tryLock();
+            if (!locked)
+                mutex->unlock();
+        }).join();
+        // None of it shows or is enabled for such a channel.
+        m_it->form->coeffFrame->show();
+        m_it->form->btnAdjustCalibration->setEnabled(true);
+        m_it->form->btnReuseCalibration->setEnabled(true);
+        m_it->form->btnGenerateLineRpt->setEnabled(true);
+        refuse(dialog);
+    });
+    m_it->pick(6);
+    QCOMPARE(answerer.met().size(), 2);
+    QVERIFY(BoxAnswerer::has_title_bar_only(answerer.met().at(1)));
+    QVERIFY(locked);
+    check_given_up();
 }
 
 void GiveUp::fresh_rows_are_appended_and_never_used()
@@ -220,6 +249,35 @@ void GiveUp::repaired_range_keeps_the_channel()
     QCOMPARE(m_it->window->row(0)->value_style(), QLatin1String(STYLE_WHITE)); // reset
     QVERIFY(!m_it->window->curves_are_removed());
     QCOMPARE(m_it->rows_shown(), 2);
+}
+
+// What the combos' slots show of the table on their way to the first item goes too.
+void GiveUp::channel_with_ranges_is_given_up_whole()
+{
+    m_it->bind_afresh(5);
+    m_it->form->cboPolyRangeIndex->setCurrentIndex(5);
+    QVERIFY(m_it->ticks(1));
+    g_first_select = 1;
+    BoxAnswerer answerer;
+    answerer.expect(UPDATE, EQUAL_LIMITS);
+    bool frame_shown = false;
+    int type = -1;
+    int range = -1;
+    answerer.expect_dialog(DIALOG, [&](QDialog *dialog) {
+        frame_shown = !m_it->form->coeffFrame->isHidden();
+        type = m_it->form->cboCalType->currentIndex();
+        range = m_it->form->cboPolyRangeIndex->currentIndex();
+        m_it->form->btnAdjustCalibration->setEnabled(true);
+        m_it->form->btnReuseCalibration->setEnabled(true);
+        m_it->form->btnGenerateLineRpt->setEnabled(true);
+        refuse(dialog);
+    });
+    m_it->pick(10);
+    QCOMPARE(answerer.met().size(), 2);
+    QVERIFY(frame_shown);
+    QCOMPARE(type, 2);
+    QCOMPARE(range, 5);
+    check_given_up();
 }
 
 QTEST_MAIN(GiveUp)
