@@ -162,12 +162,20 @@ void TableUnitsSlot::cleanup()
 
 void TableUnitsSlot::change_units(const QString &unit)
 {
+    units_for_table = 7;
+    units_for_sensor = 7;
     BoxAnswerer answerer;
-    answerer.expect_dialog(DIALOG, [&unit](QDialog *dialog) {
+    int for_table = -1;
+    int for_sensor = -1;
+    answerer.expect_dialog(DIALOG, [&](QDialog *dialog) {
+        for_table = units_for_table;
+        for_sensor = units_for_sensor;
         pick(dialog, unit);
         press(dialog, "btnOK");
     });
     m_it->form->btnUnits->click();
+    QCOMPARE(for_table, 1);
+    QCOMPARE(for_sensor, 0);
 }
 
 // Before anything is bound the record has no points; its units are set all the
