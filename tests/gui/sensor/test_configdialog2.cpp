@@ -11,6 +11,26 @@
 #include "host/operations.h"
 #include "tableinformation.h"
 
+namespace
+{
+
+// Notes whose events come to the dialog before they go to their field.
+class FilteringDialog : public ConfigDialog2
+{
+public:
+    FilteringDialog() : ConfigDialog2(nullptr, false, 0) {}
+    QSet<QObject *> seen;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        seen.insert(object);
+        return ConfigDialog2::eventFilter(object, event);
+    }
+};
+
+} // namespace
+
 class TableInformation : public QObject
 {
     Q_OBJECT
@@ -28,6 +48,10 @@ private slots:
     void absurd_calibration_time_shows_no_date();
     void desktop_fields_are_plain();
     void touch_fields();
+    void touch_limits_are_numbers_data();
+    void touch_limits_are_numbers();
+    void events_of_touch_fields_come_to_the_dialog_data();
+    void events_of_touch_fields_come_to_the_dialog();
     void reason_boxes_data();
     void reason_boxes();
     void no_reason_box_data();
@@ -43,7 +67,7 @@ private:
 void TableInformation::initTestCase()
 {
     QCOMPARE(units_init_access(1) & 0xffff, 0);
-    qputenv("TZ", "UTC");
+    qputenv("TZ", "XST-14"); // a zone where it is another day than in UTC
     tzset();
 }
 
@@ -148,7 +172,8 @@ void TableInformation::record_on_the_form()
     table.sensor_range_max = 12345678.126;
     table.y_min = 1.0;
     table.y_max = 100.0;
-    table.last_cal_time = 1709208000; // noon of a leap day
+    // One in the afternoon of a leap day here, the evening before in UTC.
+    table.last_cal_time = 1709161200;
     const ConfigDialog2 dialog(nullptr, false, 0);
     QTEST(text_of(dialog, QTest::currentDataTag()), "text");
     QCOMPARE(part<QLabel>(dialog, "lblTechText")->textFormat(), Qt::PlainText);
@@ -197,8 +222,6 @@ void TableInformation::touch_fields()
     QVERIFY(qobject_cast<const QDoubleValidator *>(validator) != nullptr);
     QCOMPARE(validator, part<QLineEdit>(dialog, "txtUpperRangeLimit")->validator());
     QCOMPARE(validator->parent(), &dialog);
-    type(dialog, "txtUpperRangeLimit", "12.5");
-    QVERIFY(part<QLineEdit>(dialog, "txtUpperRangeLimit")->hasAcceptableInput());
 
     // Without an input device a double-tap still reaches its field.
     QVERIFY(g_input_device == nullptr);
@@ -207,6 +230,55 @@ void TableInformation::touch_fields()
     field->setText("SN204");
     QTest::mouseDClick(field, Qt::LeftButton, {}, QPoint(8, field->height() / 2));
     QCOMPARE(field->selectedText(), QString("SN204"));
+}
+
+void TableInformation::touch_limits_are_numbers_data()
+{
+    QTest::addColumn<bool>("acceptable");
+    QTest::newRow("12.5") << true;
+    QTest::newRow("-1000.25") << true;
+    QTest::newRow("1e3") << true;
+    QTest::newRow("1,000") << false; // would be read as no number
+    QTest::newRow("12,5") << false;
+    QTest::newRow("low") << false;
+    QTest::newRow("") << false;
+}
+
+// As they are written: whatever the locale, with a point and without groups.
+void TableInformation::touch_limits_are_numbers()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    g_touch_input = true;
+    const ConfigDialog2 dialog(nullptr, false, 0);
+    QLocale::setDefault(before);
+    for (const char *limit : {"txtLowerRangeLimit", "txtUpperRangeLimit"}) {
+        type(dialog, limit, QTest::currentDataTag());
+        QTEST(part<QLineEdit>(dialog, limit)->hasAcceptableInput(), "acceptable");
+    }
+}
+
+void TableInformation::events_of_touch_fields_come_to_the_dialog_data()
+{
+    QTest::addColumn<bool>("touch");
+    QTest::newRow("touch screen: those of all five") << true;
+    QTest::newRow("desktop: of none") << false;
+}
+
+void TableInformation::events_of_touch_fields_come_to_the_dialog()
+{
+    QFETCH(bool, touch);
+    g_touch_input = touch;
+    FilteringDialog dialog;
+    QSet<QObject *> filtered;
+    for (QLineEdit *field : dialog.findChildren<QLineEdit *>()) {
+        QEvent event(QEvent::User);
+        QCoreApplication::sendEvent(field, &event);
+        if (touch)
+            filtered.insert(field);
+    }
+    QCOMPARE(dialog.seen, filtered);
+    QCOMPARE(filtered.size(), touch ? 5 : 0);
 }
 
 void TableInformation::reason_boxes_data()
