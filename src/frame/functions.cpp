@@ -41,3 +41,8 @@ QByteArray for_shell(const char *path)
         return path;
     return "'" + QByteArray(path).replace("'", "'\\''") + "'";
 }
+
+QByteArray shown_bytes(const QString &shown, const QByteArray &own)
+{
+    return shown == QString::fromUtf8(own) ? own : shown.toUtf8();
+}

@@ -46,4 +46,15 @@ bool plain_for_shell(const char *path);
 // keep everything from the shell but themselves.
 QByteArray for_shell(const char *path);
 
+// A record's text without what stands behind its end.
+template <std::size_t Size> QByteArray record_bytes(const char (&text)[Size])
+{
+    return QByteArray(text, static_cast<int>(qstrnlen(text, Size)));
+}
+
+// The bytes behind what a widget shows: own, while it shows record_text of them,
+// otherwise the text in UTF-8. A text that is not valid UTF-8 would not come
+// back from its decoding.
+QByteArray shown_bytes(const QString &shown, const QByteArray &own);
+
 #endif

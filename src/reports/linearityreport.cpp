@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 
+#include "frame/functions.h"
 #include "frame/hostlink.h"
 #include "frame/zerl_cfg.h"
 #include "reports/reportdocument.h"

@@ -34,12 +34,6 @@ struct ReportSources {
     EnvironmentReading humidity;
 };
 
-// A record's text without what stands behind its end.
-template <std::size_t Size> QByteArray record_bytes(const char (&text)[Size])
-{
-    return QByteArray(text, static_cast<int>(qstrnlen(text, Size)));
-}
-
 // The whole document, one line. Texts go in as they stand: nothing is escaped,
 // decoded or cut.
 QByteArray report_document(const ReportSources &sources);

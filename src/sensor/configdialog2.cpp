@@ -107,7 +107,7 @@ void ConfigDialog2::fill_sensor_information()
     ui->txtSerialNumber->setText(record_text(table.sensor_serial_no));
     ui->txtSensorMfgModel->setText(record_text(table.sensor_model));
     show_limits();
-    ui->btnSensorUnits->setText(record_text(table.sensor_units));
+    show_units(record_bytes(table.sensor_units));
 }
 
 void ConfigDialog2::fill_calibration_information()
@@ -128,18 +128,34 @@ void ConfigDialog2::show_limits()
     ui->txtUpperRangeLimit->setText(limit_text(g_cfg->table.sensor_range_max));
 }
 
+void ConfigDialog2::show_units(const QByteArray &keyword)
+{
+    m_units = keyword;
+    ui->btnSensorUnits->setText(QString::fromUtf8(keyword));
+}
+
+QByteArray ConfigDialog2::units_on_form() const
+{
+    return shown_bytes(ui->btnSensorUnits->text(), m_units);
+}
+
+// A field that was not edited gives the record's own bytes.
 SensorForm ConfigDialog2::sensor_form() const
 {
-    return {ui->txtDescription->text().toUtf8(),       ui->txtSerialNumber->text().toUtf8(),
-            ui->txtSensorMfgModel->text().toUtf8(),    ui->btnSensorUnits->text().toUtf8(),
-            ui->txtLowerRangeLimit->text().toDouble(), ui->txtUpperRangeLimit->text().toDouble()};
+    const TABLE_RECORD &table = g_cfg->table;
+    return {shown_bytes(ui->txtDescription->text(), record_bytes(table.description)),
+            shown_bytes(ui->txtSerialNumber->text(), record_bytes(table.sensor_serial_no)),
+            shown_bytes(ui->txtSensorMfgModel->text(), record_bytes(table.sensor_model)),
+            units_on_form(),
+            ui->txtLowerRangeLimit->text().toDouble(),
+            ui->txtUpperRangeLimit->text().toDouble()};
 }
 
 bool ConfigDialog2::validate_form()
 {
-    reason_code = form_range_reason({ui->txtLowerRangeLimit->text(), ui->txtUpperRangeLimit->text(),
-                                     ui->btnSensorUnits->text()},
-                                    g_cfg->table.eng_units);
+    reason_code = form_range_reason(
+        {ui->txtLowerRangeLimit->text(), ui->txtUpperRangeLimit->text(), units_on_form()},
+        g_cfg->table.eng_units);
     return reason_code == RANGE_VALID;
 }
 
@@ -152,7 +168,7 @@ void ConfigDialog2::refuse_form()
     if (reason_code <= RANGE_UNREADABLE)
         show_limits();
     else
-        ui->btnSensorUnits->setText(record_text(table.sensor_units));
+        show_units(record_bytes(table.sensor_units));
 }
 
 void ConfigDialog2::on_btnOk_clicked()
@@ -198,12 +214,12 @@ void ConfigDialog2::on_btnSensorUnits_clicked()
 // table_units change at once, and Cancel does not put them back.
 void ConfigDialog2::take_picked_units()
 {
-    const QByteArray old_units = ui->btnSensorUnits->text().toUtf8();
+    const QByteArray old_units = units_on_form();
     for (QLineEdit *field : {ui->txtLowerRangeLimit, ui->txtUpperRangeLimit})
         field->setText(
             limit_text(converted(old_units, g_cfg->value_units, field->text().toDouble())));
     copyn(__FILE__, __LINE__, g_cfg->table_units, g_cfg->value_units, sizeof g_cfg->table_units);
-    ui->btnSensorUnits->setText(record_text(g_cfg->table_units));
+    show_units(record_bytes(g_cfg->table_units));
 }
 
 double ConfigDialog2::get_tolerance_value(int tolerance_class)

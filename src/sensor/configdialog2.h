@@ -58,12 +58,15 @@ private:
     void fill_calibration_information();
     void show_limits();
     SensorForm sensor_form() const;
+    void show_units(const QByteArray &keyword);
+    QByteArray units_on_form() const;
     void refuse_form();
     void take_picked_units();
     void load_tolerances_and_biases();
     void tell(const QString &title, const QString &text);
 
     std::unique_ptr<Ui::ConfigDialog2> ui;
+    QByteArray m_units; // the keyword behind the units button
 };
 
 #endif

@@ -9,7 +9,7 @@
 
 #include "host/tablerecord.h"
 
-// The sensor data of the form; texts in UTF-8, limits in the units shown. A
+// The sensor data of the form; texts as bytes of the record, limits in the units shown. A
 // limit that cannot be read is 0, one too large to read infinite.
 struct SensorForm {
     QByteArray description;

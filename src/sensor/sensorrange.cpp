@@ -41,11 +41,12 @@ uint32_t form_range_reason(const RangeForm &form, const char *eng_units)
         return RANGE_NOT_A_NUMBER;
     if (!lower_read || !upper_read)
         return RANGE_UNREADABLE;
-    if (form.units.isEmpty())
+    const QString units = QString::fromUtf8(form.units);
+    if (units.isEmpty())
         return RANGE_UNITS_MISSING;
-    if (form.units.contains(QLatin1String("none"), Qt::CaseInsensitive))
+    if (units.contains(QLatin1String("none"), Qt::CaseInsensitive))
         return RANGE_UNITS_NONE;
-    if (!same_dimension(form.units.toUtf8(), eng_units))
+    if (!same_dimension(form.units, eng_units))
         return RANGE_UNITS_UNLIKE;
     return RANGE_VALID;
 }

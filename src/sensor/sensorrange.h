@@ -21,6 +21,7 @@
 
 #include <cstdint>
 
+#include <QByteArray>
 #include <QString>
 
 #include "host/tablerecord.h"
@@ -43,7 +44,7 @@ uint32_t sensor_range_reason(const TABLE_RECORD &table);
 struct RangeForm {
     QString lower; // texts of the limits, in the units below
     QString upper;
-    QString units; // unit keyword
+    QByteArray units; // unit keyword
 };
 
 // Reason code of the form; eng_units are the table's engineering units.

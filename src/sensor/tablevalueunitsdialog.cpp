@@ -41,7 +41,11 @@ void TableValueUnitsDialog::load()
 void TableValueUnitsDialog::list_units(int category)
 {
     ui->lstUnitType->clear();
-    ui->lstUnitType->addItems(unit_list(g_cfg, category));
+    for (const QByteArray &keyword : unit_list(g_cfg, category)) {
+        auto *const item = new QListWidgetItem(QString::fromUtf8(keyword));
+        item->setData(Qt::UserRole, keyword);
+        ui->lstUnitType->addItem(item);
+    }
     // Without this the first unit would become the current one with the focus.
     ui->lstUnitType->setCurrentIndex(QModelIndex());
 }
@@ -51,7 +55,15 @@ void TableValueUnitsDialog::pick_selected()
 {
     const QList<QListWidgetItem *> selected = ui->lstUnitType->selectedItems();
     if (!selected.isEmpty())
-        on_lstUnitType_currentTextChanged(selected.first()->text());
+        pick(selected.first());
+}
+
+// The keyword as the host has it, which its text need not give back.
+void TableValueUnitsDialog::pick(const QListWidgetItem *item)
+{
+    const QByteArray keyword =
+        item != nullptr ? item->data(Qt::UserRole).toByteArray() : QByteArray();
+    copyn(__FILE__, __LINE__, g_cfg->value_units, keyword.constData(), sizeof g_cfg->value_units);
 }
 
 // Emptying the list takes the picked unit away, until another is picked.
@@ -60,10 +72,9 @@ void TableValueUnitsDialog::on_lstUnitCategory_currentRowChanged(int row)
     list_units(row);
 }
 
-void TableValueUnitsDialog::on_lstUnitType_currentTextChanged(const QString &text)
+void TableValueUnitsDialog::on_lstUnitType_currentTextChanged(const QString &)
 {
-    copyn(__FILE__, __LINE__, g_cfg->value_units, text.toUtf8().constData(),
-          sizeof g_cfg->value_units);
+    pick(ui->lstUnitType->currentItem());
 }
 
 // A sensor's units are taken up by the table information dialog.

@@ -12,6 +12,8 @@
 
 #include <QDialog>
 
+class QListWidgetItem;
+
 namespace Ui
 {
 class TableValueUnitsDialog;
@@ -39,6 +41,7 @@ private:
     void load();
     void list_units(int category);
     void pick_selected();
+    static void pick(const QListWidgetItem *item);
 
     std::unique_ptr<Ui::TableValueUnitsDialog> ui;
 };

@@ -113,13 +113,15 @@ bool find_unit(const ZERL_CFG *cfg, int16_t *category, int16_t *row, const char 
     return false;
 }
 
-QStringList unit_list(const ZERL_CFG *cfg, int category)
+QByteArrayList unit_list(const ZERL_CFG *cfg, int category)
 {
-    QStringList names;
+    QByteArrayList names;
     if (category < 0 || category >= UNIT_CATEGORIES)
         return names;
-    for (int i = 0; i < cfg->unit_counts[category]; ++i)
-        names.append(record_text(cfg->unit_names[category][i], KEYWORD_BYTES));
+    for (int i = 0; i < cfg->unit_counts[category]; ++i) {
+        const char *const name = cfg->unit_names[category][i];
+        names.append(QByteArray(name, static_cast<int>(strnlen(name, KEYWORD_BYTES))));
+    }
     return names;
 }
 

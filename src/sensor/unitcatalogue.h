@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include <QStringList>
+#include <QByteArrayList>
 
 #include "frame/zerl_cfg.h"
 
@@ -25,8 +25,8 @@ void load_unit_lists(ZERL_CFG *cfg, int16_t *category, int16_t *row);
 // False, and nothing put out, when there is none or the keyword is empty.
 bool find_unit(const ZERL_CFG *cfg, int16_t *category, int16_t *row, const char *keyword);
 
-// The keywords of a list (0 to 3) in their order.
-QStringList unit_list(const ZERL_CFG *cfg, int category);
+// The keywords of a list (0 to 3) in their order, in the host's bytes.
+QByteArrayList unit_list(const ZERL_CFG *cfg, int category);
 
 // True when value_units holds a unit; an empty one is told to the log.
 bool unit_is_picked(const ZERL_CFG *cfg);

@@ -44,6 +44,8 @@ private slots:
     void value_text_form_data();
     void value_text_form();
     void record_text_decoding();
+    void bytes_behind_a_shown_text_data();
+    void bytes_behind_a_shown_text();
     void style_texts_data();
     void style_texts();
     void relaxed_access_is_whole();
@@ -158,6 +160,30 @@ void Functions::record_text_decoding()
     char behind[8] = "a\0b";
     QCOMPARE(record_text(behind), QString("a"));
     QCOMPARE(record_text(behind, 0), QString());
+}
+
+void Functions::bytes_behind_a_shown_text_data()
+{
+    QTest::addColumn<QByteArray>("own");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QByteArray>("bytes");
+    const QString replaced = QChar(QChar::ReplacementCharacter);
+    QTest::newRow("as it was") << QByteArray("kPa") << "kPa" << QByteArray("kPa");
+    QTest::newRow("as it was, no UTF-8") << QByteArray("\xb0") << replaced << QByteArray("\xb0");
+    QTest::newRow("as it was, a byte order mark")
+        << QByteArray("\xef\xbb\xbfx") << "x" << QByteArray("\xef\xbb\xbfx");
+    QTest::newRow("edited") << QByteArray("\xb0") << QString::fromUtf8("\xc2\xb0")
+                            << QByteArray("\xc2\xb0");
+    QTest::newRow("a blank more") << QByteArray("kPa") << "kPa " << QByteArray("kPa ");
+    QTest::newRow("emptied") << QByteArray("\xb0") << QString() << QByteArray();
+    QTest::newRow("empty before") << QByteArray() << "kPa" << QByteArray("kPa");
+}
+
+void Functions::bytes_behind_a_shown_text()
+{
+    QFETCH(QByteArray, own);
+    QFETCH(QString, shown);
+    QTEST(shown_bytes(shown, own), "bytes");
 }
 
 void Functions::style_texts_data()

@@ -34,6 +34,7 @@ private slots:
     void record_reason();
     void form_reason_data();
     void form_reason();
+    void units_are_judged_as_shown_and_compared_as_bytes();
     void close_limits_pass_the_form_and_fail_as_a_record();
     void update_text_data();
     void update_text();
@@ -150,7 +151,15 @@ void SensorRange::form_reason()
     QFETCH(QString, lower);
     QFETCH(QString, upper);
     QFETCH(QString, units);
-    QTEST(uint(form_range_reason({lower, upper, units}, "kPa")), "reason");
+    QTEST(uint(form_range_reason({lower, upper, units.toUtf8()}, "kPa")), "reason");
+}
+
+// A byte order mark shows as nothing, other bytes that are no UTF-8 as a sign.
+void SensorRange::units_are_judged_as_shown_and_compared_as_bytes()
+{
+    QCOMPARE(form_range_reason({"0", "1", "\xef\xbb\xbf"}, "kPa"), uint32_t(RANGE_UNITS_MISSING));
+    QCOMPARE(form_range_reason({"0", "1", "\xb0none"}, "kPa"), uint32_t(RANGE_UNITS_NONE));
+    QCOMPARE(form_range_reason({"0", "1", "\xb0kPa"}, "kPa"), uint32_t(RANGE_UNITS_UNLIKE));
 }
 
 void SensorRange::close_limits_pass_the_form_and_fail_as_a_record()

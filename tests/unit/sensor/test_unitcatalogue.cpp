@@ -119,7 +119,7 @@ void UnitLists::category_by_code()
     load(m_cfg.get());
     for (int list = 0; list < UNIT_CATEGORIES; ++list)
         QCOMPARE(int(m_cfg->unit_counts[list]), list == category ? 1 : 0);
-    QCOMPARE(unit_list(m_cfg.get(), category), QStringList("UNIT"));
+    QCOMPARE(unit_list(m_cfg.get(), category), QByteArrayList({"UNIT"}));
 }
 
 void UnitLists::names_of_the_categories()
@@ -142,10 +142,10 @@ void UnitLists::entries_keep_their_order_and_point_into_the_memory()
     m_memory->add(101, "F");
     QVERIFY(m_memory->publish());
     load(m_cfg.get());
-    QCOMPARE(unit_list(m_cfg.get(), 0), QStringList("E"));
-    QCOMPARE(unit_list(m_cfg.get(), 1), QStringList({"B", "F"}));
-    QCOMPARE(unit_list(m_cfg.get(), 2), QStringList("C"));
-    QCOMPARE(unit_list(m_cfg.get(), 3), QStringList({"A", "D"}));
+    QCOMPARE(unit_list(m_cfg.get(), 0), QByteArrayList({"E"}));
+    QCOMPARE(unit_list(m_cfg.get(), 1), QByteArrayList({"B", "F"}));
+    QCOMPARE(unit_list(m_cfg.get(), 2), QByteArrayList({"C"}));
+    QCOMPARE(unit_list(m_cfg.get(), 3), QByteArrayList({"A", "D"}));
     QCOMPARE(static_cast<const void *>(m_cfg->unit_names[3][1]),
              static_cast<const void *>(Unit_mem[3].keyword));
     QCOMPARE(m_cfg->units_loaded, uint16_t(1));
@@ -167,7 +167,7 @@ void UnitLists::list_ends_at_the_first_blank_keyword()
     m_memory->add(100, "BEHIND");
     m_memory->put_in_place();
     load(m_cfg.get());
-    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QStringList("BEFORE"));
+    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QByteArrayList({"BEFORE"}));
     QCOMPARE(int(m_cfg->unit_counts[UNITS_OTHER]), 0);
 }
 
@@ -178,7 +178,7 @@ void UnitLists::last_letter_of_a_full_field_counts()
     m_memory->put_in_place();
     load(m_cfg.get());
     QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE),
-             QStringList({QString(15, ' ') + "K", "BEHIND"}));
+             QByteArrayList({QByteArray(15, ' ') + "K", "BEHIND"}));
 }
 
 void UnitLists::seven_hundred_records_without_a_blank_one()
@@ -188,7 +188,7 @@ void UnitLists::seven_hundred_records_without_a_blank_one()
     QVERIFY(m_memory->publish()); // and goes on behind the 700
     load(m_cfg.get());
     QCOMPARE(int(m_cfg->unit_counts[UNITS_PRESSURE]), 700);
-    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE).last(), QString("U699"));
+    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE).last(), QByteArray("U699"));
     for (const int list : {UNITS_TEMPERATURE, UNITS_TIME, UNITS_OTHER})
         QCOMPARE(int(m_cfg->unit_counts[list]), 0);
 
@@ -197,7 +197,7 @@ void UnitLists::seven_hundred_records_without_a_blank_one()
     const auto other = std::make_unique<ZERL_CFG>();
     load(other.get());
     QCOMPARE(int(other->unit_counts[UNITS_PRESSURE]), 700);
-    QCOMPARE(unit_list(other.get(), UNITS_PRESSURE).last(), QString("U699"));
+    QCOMPARE(unit_list(other.get(), UNITS_PRESSURE).last(), QByteArray("U699"));
 }
 
 void UnitLists::keywords_without_terminator()
@@ -207,10 +207,10 @@ void UnitLists::keywords_without_terminator()
     m_memory->put_in_place();
     set_text(m_cfg->table.sensor_units, "100699KKKKKKKKKK");
     const Start start = load(m_cfg.get());
-    const QStringList names = unit_list(m_cfg.get(), UNITS_PRESSURE);
+    const QByteArrayList names = unit_list(m_cfg.get(), UNITS_PRESSURE);
     QCOMPARE(names.size(), 700);
-    QCOMPARE(names.first(), QString("100000KKKKKKKKKK"));
-    QCOMPARE(names.last(), QString("100699KKKKKKKKKK"));
+    QCOMPARE(names.first(), QByteArray("100000KKKKKKKKKK"));
+    QCOMPARE(names.last(), QByteArray("100699KKKKKKKKKK"));
     QCOMPARE(int(start.category), 1);
     QCOMPARE(int(start.row), 699);
     int16_t category = -7;
@@ -229,7 +229,7 @@ void UnitLists::without_the_memory_each_list_is_empty()
     const Start start = load(m_cfg.get());
     for (int list = 0; list < UNIT_CATEGORIES; ++list) {
         QCOMPARE(int(m_cfg->unit_counts[list]), 1);
-        QCOMPARE(unit_list(m_cfg.get(), list), QStringList(" <empty>"));
+        QCOMPARE(unit_list(m_cfg.get(), list), QByteArrayList({" <empty>"}));
     }
     QCOMPARE(m_cfg->unit_category_names[3], "Other");
     QCOMPARE(int(start.category), 0);
@@ -248,7 +248,7 @@ void UnitLists::memory_that_the_host_does_not_link()
     m_memory->add(101, QByteArray(16, 'K'));
     QVERIFY(m_memory->publish());
     load(m_cfg.get());
-    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QStringList(" <empty>"));
+    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QByteArrayList({" <empty>"}));
 }
 
 void UnitLists::built_once()
@@ -259,7 +259,7 @@ void UnitLists::built_once()
     m_memory->add(100, "LATER");
     QVERIFY(m_memory->publish());
     load(m_cfg.get());
-    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QStringList("FIRST"));
+    QCOMPARE(unit_list(m_cfg.get(), UNITS_PRESSURE), QByteArrayList({"FIRST"}));
 
     // Without the memory once, without it for the session.
     const auto other = std::make_unique<ZERL_CFG>();
@@ -268,7 +268,7 @@ void UnitLists::built_once()
     QVERIFY(m_memory->publish());
     const HostLog log;
     load(other.get());
-    QCOMPARE(unit_list(other.get(), UNITS_PRESSURE), QStringList(" <empty>"));
+    QCOMPARE(unit_list(other.get(), UNITS_PRESSURE), QByteArrayList({" <empty>"}));
     QCOMPARE(log.texts(), QStringList());
 }
 
@@ -330,7 +330,7 @@ void UnitLists::keyword_of_16_characters()
     QCOMPARE(m_cfg->value_units, "ABCDEFGHIJKLMNO");
     QCOMPARE(int(start.category), 1);
     QCOMPARE(int(start.row), 0);
-    QCOMPARE(unit_list(m_cfg.get(), 1), QStringList("ABCDEFGHIJKLMNOP"));
+    QCOMPARE(unit_list(m_cfg.get(), 1), QByteArrayList({"ABCDEFGHIJKLMNOP"}));
 }
 
 void UnitLists::looking_up_data()
@@ -376,8 +376,8 @@ void UnitLists::a_list_that_is_none()
 {
     QVERIFY(m_memory->publish());
     load(m_cfg.get());
-    QCOMPARE(unit_list(m_cfg.get(), -1), QStringList());
-    QCOMPARE(unit_list(m_cfg.get(), 4), QStringList());
+    QCOMPARE(unit_list(m_cfg.get(), -1), QByteArrayList());
+    QCOMPARE(unit_list(m_cfg.get(), 4), QByteArrayList());
 }
 
 void UnitLists::nothing_picked_is_logged()
