@@ -34,6 +34,7 @@ private slots:
     void both_axes_are_scaled_anew();
     void statistics_start_afresh();
     void units_with_a_degree();
+    void table_is_read_and_published_under_the_mutex();
 
 private:
     std::unique_ptr<TestWindow> m_it;
@@ -209,20 +210,19 @@ void Binding::statistics_of_the_first_two_points_alone_are_reset()
 void Binding::channel_without_table_stays_selected()
 {
     m_it->bind_afresh(0);
-    const BoxAnswerer answerer;
-    BoxAnswerer *const boxes = const_cast<BoxAnswerer *>(&answerer);
+    BoxAnswerer answerer;
     // An empty record has no sensor range; its repair is refused elsewhere.
-    boxes->expect_title(QStringLiteral("Update Data"));
+    answerer.expect_title(QStringLiteral("Update Data"));
     QString description;
     int points = -1;
     int flags = -1;
-    boxes->expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
-                         [&](QDialog *dialog) {
-                             description = QString::fromUtf8(g_cfg->table.description);
-                             points = g_cfg->long_current.num_points;
-                             flags = g_cfg->long_current.flags;
-                             dialog->done(QDialog::Accepted);
-                         });
+    answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
+                           [&](QDialog *dialog) {
+                               description = QString::fromUtf8(g_cfg->table.description);
+                               points = g_cfg->long_current.num_points;
+                               flags = g_cfg->long_current.flags;
+                               dialog->done(QDialog::Accepted);
+                           });
     m_it->pick(3);
     QCOMPARE(description, QStringLiteral("No Description"));
     QCOMPARE(points, 0);
@@ -231,6 +231,9 @@ void Binding::channel_without_table_stays_selected()
     QCOMPARE(g_cfg->channel, int16_t(3));
     QCOMPARE(g_num_points, int16_t(0));
     QCOMPARE(m_it->rows_shown(), 0);
+    // All of no points count as captured, but nobody has asked.
+    QCOMPARE(m_it->form->btnRecordData->styleSheet(), QLatin1String(STYLE_IDLE));
+    QVERIFY(!m_it->form->menuStatistics->isEnabled());
     QCOMPARE(m_it->form->lblTableName->text(), QString()); // empty after a failed read
     QCOMPARE(m_it->form->btnUnits->text(), QString());
     QCOMPARE(m_it->form->txtNumPoints->text(), QStringLiteral("0"));
@@ -309,22 +312,26 @@ void Binding::statistics_start_afresh()
     m_it->bind_afresh(0);
     QVERIFY(m_it->reading(1000.0));
     QVERIFY(m_it->cell.mv(1, 4321.125));
-    QMutex mutex;
-    QSet<double> means; // of every pass, noted on the monitor thread
+    struct Means {
+        QMutex mutex;
+        QSet<double> of_every_pass;
+    };
+    // Shared with the monitor thread, whose last call may outlast the connection.
+    const auto means = std::make_shared<Means>();
     QObject probe;
     connect(
         m_it->window->monitor(), &monitorThread::plotInfo, &probe,
-        [&](ZERL_CFG *cfg) {
-            const QMutexLocker lock(&mutex);
-            means.insert(relaxed_load(cfg->live_mv));
+        [means](ZERL_CFG *cfg) {
+            const QMutexLocker lock(&means->mutex);
+            means->of_every_pass.insert(relaxed_load(cfg->live_mv));
         },
         Qt::DirectConnection);
     m_it->pick(1);
     QVERIFY(m_it->ticks(4));
     disconnect(m_it->window->monitor(), nullptr, &probe, nullptr);
-    const QMutexLocker lock(&mutex);
-    means.remove(1000.0);
-    QCOMPARE(means, QSet<double>{4321.125});
+    const QMutexLocker lock(&means->mutex);
+    means->of_every_pass.remove(1000.0);
+    QCOMPARE(means->of_every_pass, QSet<double>{4321.125});
     QCOMPARE(relaxed_load(g_sample.mv_std), 0.0);
     QCOMPARE(relaxed_load(g_sample.mv_min), 4321.125);
     QCOMPARE(relaxed_load(g_sample.mv_max), 4321.125);
@@ -336,6 +343,28 @@ void Binding::units_with_a_degree()
     QCOMPARE(m_it->form->btnUnits->text(), QStringLiteral("DEG_C"));
     QTRY_COMPARE_WITH_TIMEOUT(m_it->form->dataPlot->axisTitle(QwtPlot::yLeft).text(),
                               QStringLiteral("DEG_C"), DEADLINE_MS);
+}
+
+// The menu goes grey between the read and the publication.
+void Binding::table_is_read_and_published_under_the_mutex()
+{
+    m_it->bind_afresh(0);
+    m_it->form->menuStatistics->setEnabled(true);
+    int changes = 0;
+    int free = 0;
+    int16_t published = -1;
+    QObject probe;
+    connect(m_it->form->menuStatistics->menuAction(), &QAction::changed, &probe, [&] {
+        ++changes;
+        free += m_it->mutex_is_free() ? 1 : 0;
+        published = g_cfg->channel;
+    });
+    m_it->pick(1);
+    QVERIFY(changes > 0);
+    QCOMPARE(free, 0);
+    QCOMPARE(published, int16_t(0)); // not before the table is whole
+    QCOMPARE(g_cfg->channel, int16_t(1));
+    QVERIFY(m_it->mutex_is_free());
 }
 
 QTEST_MAIN(Binding)

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The life of a point: capture, refusal, undo, and what each leaves behind.
+#include <atomic>
+#include <thread>
+
+#include <QSemaphore>
 #include <QtTest>
 
 #include "frame/styles.h"
@@ -37,6 +41,7 @@ private slots:
     void reference_that_is_no_number_is_taken_as_zero();
     void reference_typed_and_not_left_is_taken();
     void statistics_of_the_point();
+    void statistics_are_those_of_the_last_pass();
     void all_points_captured_makes_the_recording_ready();
     void capture_of_a_new_point_grows_the_count();
     void refused_capture_of_a_new_point_has_grown_the_count();
@@ -48,6 +53,8 @@ private slots:
     void undo_of_a_new_point_lowers_the_count();
     void undo_sets_the_worst_status_to_the_rows_earlier_one();
     void cancelled_undo_overwrites_the_statistics_alone();
+    void statistics_are_copied_without_the_mutex();
+    void undo_leaves_the_rows_own_status();
     void second_judgement_replaces_the_first();
     void captured_point_is_in_no_file();
 
@@ -213,6 +220,31 @@ void Capture::statistics_of_the_point()
         QCOMPARE(behind, 0.0);
 }
 
+void Capture::statistics_are_those_of_the_last_pass()
+{
+    QVERIFY(m_it->reading(1300.0));
+    const TableLock hold(m_it->window->table_mutex()); // no pass meanwhile
+    g_sample.mv_mean = 1.0;
+    g_sample.mv_std = 2.0;
+    g_sample.mv_min = 3.0;
+    g_sample.mv_max = 4.0;
+    g_sample.eu_mean = 5.0;
+    g_sample.eu_std = 6.0;
+    g_sample.eu_min = 7.0;
+    g_sample.eu_max = 8.0;
+    row(1)->value_field()->setText(QStringLiteral("26.5"));
+    m_it->button(1)->click();
+    const POINT_STATISTICS &point = g_cfg->point_stats[1];
+    QCOMPARE(point.mv_mean, 1.0);
+    QCOMPARE(point.mv_std, 2.0);
+    QCOMPARE(point.mv_min, 3.0);
+    QCOMPARE(point.mv_max, 4.0);
+    QCOMPARE(point.eu_mean, 5.0);
+    QCOMPARE(point.eu_std, 6.0);
+    QCOMPARE(point.eu_min, 7.0);
+    QCOMPARE(point.eu_max, 8.0);
+}
+
 void Capture::all_points_captured_makes_the_recording_ready()
 {
     for (int i = 0; i < 5; ++i) {
@@ -249,6 +281,7 @@ void Capture::capture_of_a_new_point_grows_the_count()
     QCOMPARE(row(5)->caption(), QStringLiteral("Undo"));
     // Built anew from the record: the last segment reaches the new point.
     QCOMPARE(g_cfg->long_current.slope[4], (110.0 - 100.0) / 500.0);
+    QCOMPARE(m_it->form->cboOrderOfPolynomial->count(), 5); // one degree more
     QCOMPARE(m_it->form->txtNumPoints->text(), QStringLiteral("6"));
 }
 
@@ -315,10 +348,15 @@ void Capture::capture_with_a_wrong_sensor_range_opens_the_table_information()
         QStringLiteral("The Sensor Lower Range Value is greater than the Upper Range Value."
                        "\n\nPress OK to update Table Information");
     answerer.expect(QStringLiteral("Update Data"), text);
+    bool free = true;
     answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
-                           [](QDialog *dialog) { dialog->reject(); });
+                           [&](QDialog *dialog) {
+                               free = m_it->mutex_is_free();
+                               dialog->reject();
+                           });
     m_it->form->lblSerialNumber->setText(QStringLiteral("as it was"));
     m_it->button(1)->click();
+    QVERIFY(!free);
     QCOMPARE(m_it->form->lblSerialNumber->text(), QStringLiteral("as it was"));
     QCOMPARE(row(1)->state, int32_t(POINT_AS_IN_TABLE));
     QCOMPARE(row(1)->caption(), QStringLiteral("Capture"));
@@ -345,6 +383,8 @@ void Capture::undo_reverts_the_millivolts_and_keeps_the_reference()
     BoxAnswerer answerer;
     answer_undo(&answerer, "btnRevert");
     m_it->button(1)->click();
+    QCOMPARE(g_cfg->redraw_all, uint16_t(0)); // drawn at once
+    QCOMPARE(g_cfg->long_current.slope[1], (50.0 - 26.5) / 1250.0);
     QCOMPARE(g_cfg->long_current.x[1], 1250.0);
     QCOMPARE(g_cfg->table.poly[0].x[1], 1250.0);
     QCOMPARE(g_cfg->long_current.y[1], 26.5);
@@ -418,6 +458,47 @@ void Capture::cancelled_undo_overwrites_the_statistics_alone()
     QCOMPARE(row(1)->value_style(), style);
     QCOMPARE(g_captured_points, 1);
     QCOMPARE(m_it->form->btnReuseCalibration->styleSheet(), QLatin1String(STYLE_IDLE));
+}
+
+// Another thread holds it, as a pass would, while the click works itself off.
+void Capture::statistics_are_copied_without_the_mutex()
+{
+    QVERIFY(m_it->capture(1, 1300.0, 26.5));
+    const monitorThread *monitor = m_it->window->monitor();
+    // No tick is drawn meanwhile: that would wait for the mutex.
+    QVERIFY(disconnect(monitor, &monitorThread::plotInfo, m_it->window, nullptr));
+    QCoreApplication::removePostedEvents(m_it->window, QEvent::MetaCall);
+    QSemaphore held;
+    QSemaphore done;
+    std::atomic<bool> in_time{false};
+    std::thread holder([&] {
+        const TableLock hold(m_it->window->table_mutex());
+        g_sample.mv_mean = 1234.5;
+        held.release();
+        in_time = done.tryAcquire(1, DEADLINE_MS);
+    });
+    held.acquire();
+    BoxAnswerer answerer;
+    answer_undo(&answerer, "btnCancelUndo");
+    m_it->button(1)->click();
+    done.release();
+    holder.join();
+    connect(monitor, SIGNAL(plotInfo(ZERL_CFG *)), m_it->window, SLOT(draw_plots_info(ZERL_CFG *)));
+    QVERIFY(in_time);
+    QCOMPARE(g_cfg->point_stats[1].mv_mean, 1234.5);
+}
+
+// As the capture judged it, though point, colour and worst status go back.
+void Capture::undo_leaves_the_rows_own_status()
+{
+    QVERIFY(m_it->capture(1, 1250.0, 27.5)); // 2.5 off
+    QCOMPARE(row(1)->status, uint16_t(3));
+    BoxAnswerer answerer;
+    answer_undo(&answerer, "btnRevert");
+    m_it->button(1)->click();
+    QCOMPARE(row(1)->value_style(), QLatin1String(STYLE_WHITE));
+    QCOMPARE(g_cfg->table.worst_status, uint16_t(0));
+    QCOMPARE(row(1)->status, uint16_t(3));
 }
 
 void Capture::second_judgement_replaces_the_first()

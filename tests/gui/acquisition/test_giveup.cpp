@@ -11,6 +11,7 @@
 
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
+#include "sensor/configdialog2.h"
 
 namespace
 {
@@ -56,6 +57,7 @@ private slots:
     void refused_with_a_message_and_the_dialog_again();
     void repaired_range_keeps_the_channel();
     void channel_with_ranges_is_given_up_whole();
+    void dialog_accepted_with_a_reason_gives_the_channel_up();
 
 private:
     void check_given_up() const;
@@ -278,6 +280,21 @@ void GiveUp::channel_with_ranges_is_given_up_whole()
     QCOMPARE(type, 2);
     QCOMPARE(range, 5);
     check_given_up();
+}
+
+void GiveUp::dialog_accepted_with_a_reason_gives_the_channel_up()
+{
+    m_it->bind_afresh(0);
+    g_first_select = 1;
+    BoxAnswerer answerer;
+    answerer.expect(UPDATE, EQUAL_LIMITS);
+    answerer.expect_dialog(DIALOG, [](QDialog *dialog) {
+        static_cast<ConfigDialog2 *>(dialog)->reason_code = 3;
+        dialog->done(QDialog::Accepted);
+    });
+    m_it->pick(6);
+    QCOMPARE(m_it->form->cboCurrentChannel->currentIndex(), 0);
+    QVERIFY(m_it->window->curves_are_removed());
 }
 
 QTEST_MAIN(GiveUp)

@@ -38,6 +38,7 @@ private slots:
     void points_behind_the_count_are_no_duplicates();
     void same_reference_at_other_millivolts_is_taken();
     void refusal_gives_the_mutex_back_before_the_message();
+    void point_is_written_under_the_mutex();
 
 private:
     PointInfo *row(int i) const { return m_it->window->row(i); }
@@ -181,6 +182,23 @@ void StorePoint::refusal_gives_the_mutex_back_before_the_message()
     });
     QCOMPARE(m_it->window->store_point(g_cfg, 1, 26.0), 0);
     QVERIFY(sampled);
+}
+
+// The row's field is written in the midst of it.
+void StorePoint::point_is_written_under_the_mutex()
+{
+    QVERIFY(m_it->reading(1300.5));
+    int writes = 0;
+    int free = 0;
+    QObject probe;
+    connect(row(1)->value_field(), &QLineEdit::textChanged, &probe, [&] {
+        ++writes;
+        free += m_it->mutex_is_free() ? 1 : 0;
+    });
+    QVERIFY(m_it->window->store_point(g_cfg, 1, 26.0) != 0);
+    QCOMPARE(writes, 1);
+    QCOMPARE(free, 0);
+    QVERIFY(m_it->mutex_is_free());
 }
 
 QTEST_MAIN(StorePoint)

@@ -206,6 +206,7 @@ void TypeControls::averaging_time()
     QFETCH(QString, shown);
     QFETCH(int, samples);
     m_it->bind_afresh(0);
+    QVERIFY(m_it->ticks(2)); // the binding's own fresh start is over
     BoxAnswerer answerer;
     if (text != shown)
         answerer.expect(
@@ -213,6 +214,7 @@ void TypeControls::averaging_time()
             QStringLiteral("The entered Averaging Time must be between 5 and 30 seconds"));
     {
         TableLock hold(m_it->window->table_mutex()); // no pass meanwhile
+        QCOMPARE(relaxed_load(g_monitor_enabled), uint8_t(1));
         m_it->form->txtAveragingTime->setText(text);
         QTest::keyClick(m_it->form->txtAveragingTime, Qt::Key_Return);
         QCOMPARE(relaxed_load(g_monitor_enabled), uint8_t(0));

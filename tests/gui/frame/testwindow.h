@@ -9,6 +9,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <thread>
 
 #include <QApplication>
 #include <QDir>
@@ -170,6 +171,19 @@ channel 9
                        relaxed_load(g_sample.mv_min) == mv && relaxed_load(g_sample.mv_max) == mv;
             },
             DEADLINE_MS);
+    }
+
+    // Whether another thread could take the table mutex now; a pass of the
+    // monitor is waited for.
+    bool mutex_is_free() const
+    {
+        bool taken = false;
+        std::thread([&] {
+            taken = window->table_mutex()->tryLock(1000);
+            if (taken)
+                window->table_mutex()->unlock();
+        }).join();
+        return taken;
     }
 
     QPushButton *button(int i) const

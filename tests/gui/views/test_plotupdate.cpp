@@ -7,10 +7,13 @@
 
 #include <QtTest>
 
+#include <qwt_scale_widget.h>
+
 #include "calibration/linefit.h"
 #include "gui/frame/testwindow.h"
 #include "gui/views/allocations.h"
 #include "gui/views/plotlook.h"
+#include "host/operations.h"
 
 class PlotUpdate : public QObject
 {
@@ -37,7 +40,9 @@ private slots:
     void table_change_alone_is_not_drawn_until_the_reading_moves();
     void refit_of_the_polynomial();
     void polynomial_without_points_spans_ten_volts();
+    void polynomial_of_the_range_in_work();
     void redraw_all_draws_everything_and_is_cleared();
+    void record_is_read_under_the_mutex_and_drawn_without();
     void axes_are_on_auto_scale_after_a_rescale();
     void ticks_from_the_thread_move_the_plot();
 
@@ -297,6 +302,31 @@ void PlotUpdate::polynomial_without_points_spans_ten_volts()
     QVERIFY(std::fabs(samples.last().y() - 200.0) < 1e-6); // the stored coefficients
 }
 
+void PlotUpdate::polynomial_of_the_range_in_work()
+{
+    m_it->window->table_mutex()->unlock();
+    m_it->bind_afresh(5);
+    QVERIFY(m_it->ticks(2));
+    m_it->window->table_mutex()->lock();
+    g_cfg->table.poly_range_index = 5;
+    compute_long_table(&g_cfg->table, &g_cfg->long_current);
+    g_poly_order_text = QStringLiteral("1");
+    g_cfg->table.poly[0].num_points = 0;
+    g_cfg->table.poly[0].num_coeffs = 0;
+    g_cfg->redraw_all = 1;
+    m_it->window->update_plot(g_cfg);
+    QCOMPARE(curves_on_show(plot()),
+             (QStringList{"Captured", "Previous", "Current Point", "Polynomial"}));
+    const QVector<QPointF> samples = samples_of(m_it->window->curve(CURVE_POLYNOMIAL));
+    QCOMPARE(samples.size(), 101);
+    QCOMPARE(samples.first().x(), 2000.0); // of range 5
+    QCOMPARE(samples.last().x(), 5000.0);
+    QVERIFY(std::fabs(samples.last().y() - 100.0) < 1e-6);
+    QVERIFY(!m_it->form->lblCoeff1Value->isHidden());
+    QVERIFY(m_it->form->lblCoeff2Value->isHidden());
+    QCOMPARE(m_it->form->lblCoeff1Value->text(), QStringLiteral("0.02"));
+}
+
 void PlotUpdate::redraw_all_draws_everything_and_is_cleared()
 {
     std::strcpy(g_cfg->table.eng_units, "PSI");
@@ -338,6 +368,25 @@ void PlotUpdate::ticks_from_the_thread_move_the_plot()
                                   DEADLINE_MS);
         QCOMPARE(samples_of(m_it->window->curve(CURVE_CURRENT_POINT)).first().x(), mv);
     }
+    m_it->window->table_mutex()->lock();
+}
+
+// A slow redraw does not hold the monitor up.
+void PlotUpdate::record_is_read_under_the_mutex_and_drawn_without()
+{
+    m_it->window->table_mutex()->unlock();
+    QVector<bool> attaching;
+    QVector<bool> drawing;
+    QObject probe;
+    connect(plot(), &QwtPlot::itemAttached, &probe, [&] { attaching += m_it->mutex_is_free(); });
+    connect(plot()->axisWidget(QwtPlot::xBottom), &QwtScaleWidget::scaleDivChanged, &probe,
+            [&] { drawing += m_it->mutex_is_free(); });
+    g_cfg->long_current.x[4] = 90000.0;
+    g_cfg->redraw_all = 1;
+    m_it->window->update_plot(g_cfg);
+    QVERIFY(!attaching.isEmpty());
+    QVERIFY(!attaching.contains(true));
+    QCOMPARE(drawing, QVector<bool>{true});
     m_it->window->table_mutex()->lock();
 }
 
