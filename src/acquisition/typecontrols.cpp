@@ -4,6 +4,8 @@
 // sync_type_controls for the degree alone; elsewhere the combos' slots run.
 #include "frame/mainwindow.h"
 
+#include <algorithm>
+
 #include <QSignalBlocker>
 #include <QStandardItemModel>
 
@@ -139,8 +141,10 @@ void MainWindow::on_cboOrderOfPolynomial_currentIndexChanged(int)
     TABLE_RECORD &table = g_cfg->table;
     g_cfg->redraw_all = 1;
     g_cfg->table_dirty = 0;
+    // The list of POLY_RANGE goes beyond what a range holds.
     if (table.table_type == TABLE_POLY || table.table_type == TABLE_POLY_RANGE)
-        table.poly[range_index(table)].num_coeffs = static_cast<int16_t>(text.toInt() + 1);
+        table.poly[range_index(table)].num_coeffs =
+            static_cast<int16_t>(std::min<int>(text.toInt() + 1, POLY_COEFFS));
     g_poly_order_text = text;
     update_plot(g_cfg);
     show_coefficients(g_cfg);
