@@ -49,14 +49,28 @@ private slots:
     void numbers_are_read_as_they_are_typed();
     void rows_watch_their_fields();
     void writing_the_count_runs_the_count_slot();
+    void binding_runs_the_count_slot();
+    void refused_count_is_told_again_for_the_emptied_field();
+    void giving_a_channel_up_brings_the_box_of_the_count();
     void time_typed_on_the_pad_takes_effect_at_once();
+    void refused_time_is_told_once();
     void description_of_the_recording_is_marked();
 
 private:
+    static void expect_invalid_points(BoxAnswerer *answerer, int times);
     WatchedWindow *window() const { return static_cast<WatchedWindow *>(m_it->window); }
 
     std::unique_ptr<TestWindow> m_it;
 };
+
+void Touch::expect_invalid_points(BoxAnswerer *answerer, int times)
+{
+    for (int i = 0; i < times; ++i)
+        answerer->expect(QStringLiteral("Invalid Calibration Points"),
+                         QStringLiteral("A invalid value for Calibration Points was entered\n\n"
+                                        "Please reenter a Calibration Points value between 2 and "
+                                        "64"));
+}
 
 void Touch::initTestCase()
 {
@@ -184,6 +198,44 @@ void Touch::writing_the_count_runs_the_count_slot()
     QVERIFY(answerer.met().isEmpty());
 }
 
+// A channel without a table has none of the 2 to 64 points.
+void Touch::binding_runs_the_count_slot()
+{
+    m_it->bind_afresh(0);
+    BoxAnswerer answerer;
+    expect_invalid_points(&answerer, 2);
+    answerer.expect_title(QStringLiteral("Update Data"));
+    answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
+                           [](QDialog *dialog) { dialog->done(QDialog::Accepted); });
+    m_it->bind_afresh(3);
+    QCOMPARE(m_it->form->txtNumPoints->text(), QString());
+}
+
+// Emptying the field is a change of its text too.
+void Touch::refused_count_is_told_again_for_the_emptied_field()
+{
+    m_it->bind_afresh(0);
+    BoxAnswerer answerer;
+    expect_invalid_points(&answerer, 2);
+    m_it->form->txtNumPoints->setText(QStringLiteral("65"));
+    QCOMPARE(m_it->form->txtNumPoints->text(), QString());
+    QCOMPARE(g_num_points, int16_t(5));
+}
+
+void Touch::giving_a_channel_up_brings_the_box_of_the_count()
+{
+    m_it->bind_afresh(0);
+    g_first_select = 1;
+    BoxAnswerer answerer;
+    answerer.expect_title(QStringLiteral("Update Data"));
+    answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
+                           [](QDialog *dialog) { dialog->reject(); });
+    expect_invalid_points(&answerer, 1);
+    m_it->bind_afresh(6);
+    QVERIFY(m_it->window->curves_are_removed());
+    QCOMPARE(m_it->form->txtNumPoints->text(), QString());
+}
+
 void Touch::time_typed_on_the_pad_takes_effect_at_once()
 {
     const BoxAnswerer answerer;
@@ -192,6 +244,17 @@ void Touch::time_typed_on_the_pad_takes_effect_at_once()
     m_it->form->txtAveragingTime->setText(QStringLiteral("10"));
     QCOMPARE(relaxed_load(g_fifo_size), uint32_t(100));
     QVERIFY(answerer.met().isEmpty());
+}
+
+// The field's signals are blocked while "10" is put into it.
+void Touch::refused_time_is_told_once()
+{
+    BoxAnswerer answerer;
+    answerer.expect(QStringLiteral("Wrong Value Entered"),
+                    QStringLiteral("The entered Averaging Time must be between 5 and 30 seconds"));
+    m_it->form->txtAveragingTime->setText(QStringLiteral("31"));
+    QCOMPARE(m_it->form->txtAveragingTime->text(), QStringLiteral("10"));
+    QCOMPARE(relaxed_load(g_fifo_size), uint32_t(100));
 }
 
 void Touch::description_of_the_recording_is_marked()
