@@ -93,6 +93,13 @@ void PointInfo::set_children_visible(bool visible)
     ui->horizontalLayout->setContentsMargins(2, margin, 2, margin);
 }
 
+QWidget *PointInfo::put_in_tab_order(QWidget *before)
+{
+    setTabOrder(before, ui->txtCurrentValue);
+    setTabOrder(ui->txtCurrentValue, ui->btnCapture);
+    return ui->btnCapture;
+}
+
 void PointInfo::set_caption(const QString &text)
 {
     ui->btnCapture->setText(text);

@@ -37,6 +37,8 @@ public:
     void set_caption_style(const QString &style);
     bool children_visible() const;
     void set_children_visible(bool visible);
+    // Value field, then button, behind the widget given; returns the button.
+    QWidget *put_in_tab_order(QWidget *before);
 
     // The caption tells the button's action: one that contains "Capture"
     // captures, any other undoes.

@@ -42,12 +42,15 @@ void tell_duplicate(int32_t index, double mv, int other)
 
 } // namespace
 
+// The rows are tabbed through where they stand, before the buttons of the process.
 void MainWindow::create_rows()
 {
+    QWidget *before = ui->scrollArea;
     for (int i = 0; i < MAX_POINTS; ++i) {
         auto *new_row = new PointInfo(this, i, ui->scrollAreaWidgetContents);
         m_rows.append(new_row);
         ui->verticalLayout_4->addWidget(new_row);
+        before = new_row->put_in_tab_order(before);
     }
 }
 
