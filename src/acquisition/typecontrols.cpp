@@ -104,13 +104,13 @@ void MainWindow::choose_type_poly()
 {
     g_cfg->table.table_type = TABLE_POLY;
     ui->cboPolyRangeIndex->setEnabled(false);
-    ui->coeffFrame->show();
     // The second range is read, not the one in work: the combo's index stands in
     // for it, and that is kept.
     select_degree(g_cfg->table.poly[ITEM_POLY].num_points - 1);
     g_poly_order_text = ui->cboOrderOfPolynomial->currentText();
     set_range_item_enabled(true);
     ui->cboOrderOfPolynomial->setEnabled(true);
+    ui->coeffFrame->show(); // behind its labels, which are then shown with it at once
 }
 
 void MainWindow::choose_type_interp()

@@ -76,6 +76,20 @@ void MainWindow::set_start_state()
     ui->actionView_Previous_Calibration_Report->setEnabled(false);
     ui->lblNextStep->setStyleSheet(QLatin1String(STYLE_NO_ADVICE));
     ui->verticalLayout_4->setAlignment(Qt::AlignTop);
+    keep_place_of_coefficients();
+}
+
+// A change of the table's type then moves nothing else in the window: plot and
+// rows are not laid out and painted anew.
+void MainWindow::keep_place_of_coefficients()
+{
+    QList<QWidget *> parts = ui->coeffFrame->findChildren<QWidget *>();
+    parts.append(ui->coeffFrame);
+    for (QWidget *part : parts) {
+        QSizePolicy policy = part->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        part->setSizePolicy(policy);
+    }
 }
 
 int MainWindow::init()

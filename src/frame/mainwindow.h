@@ -135,6 +135,7 @@ private:
     bool start_session();
     void set_up_touch_input();
     void set_start_state();
+    void keep_place_of_coefficients();
 
     // Channel selection.
 

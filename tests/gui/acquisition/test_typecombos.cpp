@@ -35,6 +35,7 @@ private slots:
     void degree_beyond_what_a_range_holds_data();
     void degree_beyond_what_a_range_holds();
     void degree_without_points_is_bounded_too();
+    void plot_and_rows_keep_their_place();
     void degree_alone_is_blocked_while_the_controls_follow_the_record();
 
 private:
@@ -345,6 +346,24 @@ void TypeCombos::degree_without_points_is_bounded_too()
     g_cfg->table.poly[0].num_points = 0; // nothing to fit
     m_it->form->cboOrderOfPolynomial->setCurrentIndex(40);
     QCOMPARE(g_cfg->table.poly[0].num_coeffs, int16_t(18));
+}
+
+// Whether coefficients are shown or not, and however many.
+void TypeCombos::plot_and_rows_keep_their_place()
+{
+    const auto places = [this] {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        return QVector<QRect>{m_it->form->dataPlot->geometry(), m_it->form->scrollArea->geometry(),
+                              m_it->form->coeffFrame->geometry()};
+    };
+    bind(8);
+    const QVector<QRect> before = places();
+    choose_type(1);
+    QCOMPARE(places(), before);
+    m_it->form->cboOrderOfPolynomial->setCurrentIndex(0);
+    QCOMPARE(places(), before);
+    choose_type(0);
+    QCOMPARE(places(), before);
 }
 
 void TypeCombos::degree_alone_is_blocked_while_the_controls_follow_the_record()
