@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The life of a point: capture, refusal, undo, and what each leaves behind.
-#include <atomic>
-#include <thread>
-
-#include <QSemaphore>
 #include <QtTest>
 
 #include "frame/styles.h"
@@ -53,8 +49,6 @@ private slots:
     void undo_of_a_new_point_lowers_the_count();
     void undo_sets_the_worst_status_to_the_rows_earlier_one();
     void cancelled_undo_overwrites_the_statistics_alone();
-    void statistics_are_copied_without_the_mutex();
-    void undo_leaves_the_rows_own_status();
     void second_judgement_replaces_the_first();
     void captured_point_is_in_no_file();
 
@@ -458,47 +452,6 @@ void Capture::cancelled_undo_overwrites_the_statistics_alone()
     QCOMPARE(row(1)->value_style(), style);
     QCOMPARE(g_captured_points, 1);
     QCOMPARE(m_it->form->btnReuseCalibration->styleSheet(), QLatin1String(STYLE_IDLE));
-}
-
-// Another thread holds it, as a pass would, while the click works itself off.
-void Capture::statistics_are_copied_without_the_mutex()
-{
-    QVERIFY(m_it->capture(1, 1300.0, 26.5));
-    const monitorThread *monitor = m_it->window->monitor();
-    // No tick is drawn meanwhile: that would wait for the mutex.
-    QVERIFY(disconnect(monitor, &monitorThread::plotInfo, m_it->window, nullptr));
-    QCoreApplication::removePostedEvents(m_it->window, QEvent::MetaCall);
-    QSemaphore held;
-    QSemaphore done;
-    std::atomic<bool> in_time{false};
-    std::thread holder([&] {
-        const TableLock hold(m_it->window->table_mutex());
-        g_sample.mv_mean = 1234.5;
-        held.release();
-        in_time = done.tryAcquire(1, DEADLINE_MS);
-    });
-    held.acquire();
-    BoxAnswerer answerer;
-    answer_undo(&answerer, "btnCancelUndo");
-    m_it->button(1)->click();
-    done.release();
-    holder.join();
-    connect(monitor, SIGNAL(plotInfo(ZERL_CFG *)), m_it->window, SLOT(draw_plots_info(ZERL_CFG *)));
-    QVERIFY(in_time);
-    QCOMPARE(g_cfg->point_stats[1].mv_mean, 1234.5);
-}
-
-// As the capture judged it, though point, colour and worst status go back.
-void Capture::undo_leaves_the_rows_own_status()
-{
-    QVERIFY(m_it->capture(1, 1250.0, 27.5)); // 2.5 off
-    QCOMPARE(row(1)->status, uint16_t(3));
-    BoxAnswerer answerer;
-    answer_undo(&answerer, "btnRevert");
-    m_it->button(1)->click();
-    QCOMPARE(row(1)->value_style(), QLatin1String(STYLE_WHITE));
-    QCOMPARE(g_cfg->table.worst_status, uint16_t(0));
-    QCOMPARE(row(1)->status, uint16_t(3));
 }
 
 void Capture::second_judgement_replaces_the_first()
