@@ -12,6 +12,7 @@
 #include "frame/relaxed.h"
 #include "frame/styles.h"
 #include "frame/tablelock.h"
+#include "frame/zerl_callbacks.h"
 #include "host/operations.h"
 #include "sensor/configdialog2.h"
 #include "ui_mainwindow.h"
@@ -24,10 +25,7 @@ PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent
     ui->setupUi(this);
     if (g_touch_input) {
         auto *validator = new QDoubleValidator(ui->txtCurrentValue);
-        // The field's text is read with a decimal point and nothing between thousands.
-        QLocale plain = QLocale::c();
-        plain.setNumberOptions(QLocale::RejectGroupSeparator);
-        validator->setLocale(plain);
+        validator->setLocale(number_locale());
         ui->txtCurrentValue->setValidator(validator);
         ui->txtCurrentValue->setProperty("keyboard", true);
         ui->txtCurrentValue->installEventFilter(this);
@@ -119,8 +117,12 @@ bool PointInfo::captures() const
     return caption().contains(QLatin1String("Capture"));
 }
 
-bool PointInfo::eventFilter(QObject *, QEvent *)
+// A double tap opens the field's pad and goes on to the field as well.
+bool PointInfo::eventFilter(QObject *object, QEvent *event)
 {
+    if (g_touch_input && object == ui->txtCurrentValue &&
+        event->type() == QEvent::MouseButtonDblClick)
+        request_input_panel(object);
     return false;
 }
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/savetypedialog.h"
 
+#include <QEvent>
 #include <QScreen>
 
 #include "calibration/dialogplace.h"
 #include "calibration/questions.h"
 #include "frame/mainwindow.h"
 #include "frame/messagebox.h"
+#include "frame/zerl_callbacks.h"
 #include "host/operations.h"
 #include "ui_savetypedialog.h"
 
@@ -39,8 +41,11 @@ SaveTypeDialog::~SaveTypeDialog()
     delete ui;
 }
 
-bool SaveTypeDialog::eventFilter(QObject *, QEvent *)
+// A double tap opens the field's pad and goes on to the field as well.
+bool SaveTypeDialog::eventFilter(QObject *object, QEvent *event)
 {
+    if (g_touch_input && object == ui->txtComment && event->type() == QEvent::MouseButtonDblClick)
+        request_input_panel(object);
     return false;
 }
 

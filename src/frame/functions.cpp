@@ -24,6 +24,13 @@ QString value_text(double value)
     return QString::asprintf("%8.4f", value);
 }
 
+QLocale number_locale()
+{
+    QLocale locale = QLocale::c();
+    locale.setNumberOptions(QLocale::RejectGroupSeparator);
+    return locale;
+}
+
 QString record_text(const char *text, std::size_t size)
 {
     return QString::fromUtf8(text, static_cast<int>(strnlen(text, size)));

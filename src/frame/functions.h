@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include <QByteArray>
+#include <QLocale>
 #include <QString>
 
 // The one float comparison: true when 1e-6 >= |a - b|, so false for NaN.
@@ -31,6 +32,10 @@ void show_warning(const char *title, const char *text);
 
 // "%8.4f", the form of every value and millivolt field.
 QString value_text(double value);
+
+// How the fields' numbers are read: a decimal point, nothing between thousands,
+// wherever the cell stands.
+QLocale number_locale();
 
 // A record's text, at most size bytes, decoded from UTF-8.
 QString record_text(const char *text, std::size_t size);

@@ -17,6 +17,7 @@
 #include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "frame/zerl_callbacks.h"
+#include "input/inputdevice.h"
 #include "sensor/configdialog2.h"
 #include "sensor/tolerances.h"
 #include "ui_mainwindow.h"
@@ -129,11 +130,17 @@ bool MainWindow::start_session()
 void MainWindow::set_up_touch_input()
 {
     g_input_device = nullptr;
+    g_callbacks.show_input_panel = nullptr;
     if (!g_touch_input)
         return;
+    g_input_device = new InputDevice(objectName());
+    g_callbacks.show_input_panel = [](QObject *field, QEvent *event) {
+        g_input_device->show_input_panel(field, event);
+    };
     QLineEdit *const fields[] = {ui->txtCalibrationQIE, ui->txtTechnicianName, ui->txtNumPoints,
                                  ui->txtAveragingTime};
     auto *validator = new QIntValidator(this);
+    validator->setLocale(number_locale());
     ui->txtNumPoints->setValidator(validator);
     ui->txtAveragingTime->setValidator(validator);
     for (QLineEdit *field : fields) {
@@ -142,8 +149,13 @@ void MainWindow::set_up_touch_input()
     }
 }
 
-bool MainWindow::eventFilter(QObject *, QEvent *)
+// A double tap opens the field's pad and goes on to the field as well.
+bool MainWindow::eventFilter(QObject *object, QEvent *event)
 {
+    const bool watched = object == ui->txtCalibrationQIE || object == ui->txtTechnicianName ||
+                         object == ui->txtNumPoints || object == ui->txtAveragingTime;
+    if (g_touch_input && watched && event->type() == QEvent::MouseButtonDblClick)
+        request_input_panel(object);
     return false;
 }
 

@@ -4,10 +4,12 @@
 #include <ctime>
 
 #include <QDoubleValidator>
+#include <QEvent>
 #include <QMessageBox>
 
 #include "frame/functions.h"
 #include "frame/messagebox.h"
+#include "frame/zerl_callbacks.h"
 #include "frame/zerl_cfg.h"
 #include "host/operations.h"
 #include "sensor/tablevalueunitsdialog.h"
@@ -65,17 +67,17 @@ void ConfigDialog2::set_up_touch_input()
         field->installEventFilter(this);
     }
     auto *const validator = new QDoubleValidator(this);
-    // The limits are written and read so.
-    QLocale plain = QLocale::c();
-    plain.setNumberOptions(QLocale::RejectGroupSeparator);
-    validator->setLocale(plain);
+    validator->setLocale(number_locale());
     ui->txtLowerRangeLimit->setValidator(validator);
     ui->txtUpperRangeLimit->setValidator(validator);
 }
 
-// Every event goes on to its field, a double-tap too.
-bool ConfigDialog2::eventFilter(QObject *, QEvent *)
+// A double tap opens the field's pad and goes on to the field as well.
+bool ConfigDialog2::eventFilter(QObject *object, QEvent *event)
 {
+    // Only the dialog's own text fields have it as their filter.
+    if (g_touch_input && event->type() == QEvent::MouseButtonDblClick)
+        request_input_panel(object);
     return false;
 }
 
