@@ -137,17 +137,15 @@ QString InputDevice::target_text() const
 
 void InputDevice::set_target_text(const QString &text)
 {
-    const QPointer<QLineEdit> field = qobject_cast<QLineEdit *>(target.data());
+    auto *const field = qobject_cast<QLineEdit *>(target.data());
     if (field == nullptr)
         return;
     field->setText(text);
-    if (field == nullptr) // its owner's answer to the text may be to close
-        return;
     // Losing the focus tells the owner that the edit is finished. Where the pad's
     // window has taken the activation the field has none to lose.
     const bool focused = field->hasFocus();
     field->clearFocus();
-    if (!focused && field != nullptr && field->hasAcceptableInput())
+    if (!focused && field->hasAcceptableInput())
         emit field->editingFinished();
 }
 

@@ -1,0 +1,580 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The routing of the on-screen input over windows of its own: which field opens
+// which pad by a tap and by a double tap, where the pads stand, and what becomes
+// of a result.
+#include <QDialog>
+#include <QDoubleValidator>
+#include <QIntValidator>
+#include <QMetaMethod>
+#include <QRegularExpressionValidator>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTextEdit>
+#include <QtTest>
+
+#include "gui/input/touchscreen.h"
+
+using namespace touchscreen;
+
+namespace
+{
+const auto ASKED = QEvent::RequestSoftwareInputPanel;
+const auto CLOSED = QEvent::CloseSoftwareInputPanel;
+
+// A field under that many windows within each other; the outermost is "Owner".
+struct Nest {
+    explicit Nest(int depth)
+    {
+        window.setObjectName(QStringLiteral("Owner"));
+        QWidget *parent = &window;
+        for (int i = 1; i < depth; ++i)
+            parent = new QWidget(parent);
+        field = new QLineEdit(parent);
+        field->setProperty("keyboard", true);
+        window.show();
+    }
+    QWidget window;
+    QLineEdit *field;
+};
+} // namespace
+
+class Routing : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void device();
+    void numbers_of_the_events();
+    void operations_without_a_caller();
+    void signal_that_nothing_emits();
+    void taps_at_each_depth_data();
+    void taps_at_each_depth();
+    void tap_in_a_window_of_another_name();
+    void tap_on_a_marked_window_without_ancestors();
+    void tap_by_marks_data();
+    void tap_by_marks();
+    void what_is_no_line_edit_is_swallowed();
+    void events_of_other_kinds_pass();
+    void close_event_closes_both_pads();
+    void double_tap_by_kind_data();
+    void double_tap_by_kind();
+    void pad_by_validator_data();
+    void pad_by_validator();
+    void text_is_trimmed_on_its_way_to_the_pad();
+    void greatest_length_and_echo_mode_go_along();
+    void both_pads_are_centred();
+    void ok_sets_the_text_and_takes_the_focus();
+    void field_without_the_focus_is_finished_too();
+    void escape_keeps_text_and_focus();
+    void text_that_the_field_refuses_is_not_finished();
+    void field_that_has_gone_meanwhile();
+    void target_that_is_no_line_edit();
+    void pad_of_another_field_is_closed_first();
+    void pad_of_a_field_in_a_dialog_can_be_used();
+    void box_that_refuses_the_text_is_not_under_the_pad();
+    void hardware_keys_and_the_pad_on_one_field();
+    void hardware_keys_and_the_keyboard_on_one_field();
+    void long_text_of_a_field_is_bounded();
+    void value_is_not_deleted();
+    void pads_go_with_the_device();
+
+private:
+    bool ask(QObject *object)
+    {
+        QEvent event(ASKED);
+        m_device->show_input_panel(object, &event);
+        return open();
+    }
+    bool open() const { return m_device->keyboard->isVisible() || m_device->numpad->isVisible(); }
+
+    std::unique_ptr<InputDevice> m_device;
+};
+
+void Routing::init()
+{
+    m_device = std::make_unique<InputDevice>(QStringLiteral("Owner"));
+}
+
+void Routing::device()
+{
+    QCOMPARE(m_device->keyboard->objectName(), QStringLiteral("keyboard"));
+    QCOMPARE(m_device->numpad->objectName(), QStringLiteral("numpad"));
+    QCOMPARE(m_device->owner_name, QStringLiteral("Owner"));
+    QVERIFY(m_device->target.isNull());
+    QVERIFY(!m_device->isVisible());
+    QVERIFY(!open());
+    QCOMPARE(m_device->keyboard->parent(), nullptr);
+    QCOMPARE(m_device->numpad->parent(), nullptr);
+}
+
+void Routing::numbers_of_the_events()
+{
+    QCOMPARE(int(QEvent::RequestSoftwareInputPanel), 199);
+    QCOMPARE(int(QEvent::CloseSoftwareInputPanel), 200);
+    QCOMPARE(int(QEvent::MouseButtonDblClick), 4);
+    QCOMPARE(int(QEvent::WindowActivate), 24);
+}
+
+void Routing::operations_without_a_caller()
+{
+    QCOMPARE(m_device->identifierName(), QStringLiteral("InputDevice"));
+    QCOMPARE(m_device->language(), QStringLiteral("en_US"));
+    QVERIFY(!m_device->isComposing());
+    m_device->reset();
+}
+
+void Routing::signal_that_nothing_emits()
+{
+    const QMetaObject *const meta = m_device->metaObject();
+    QVERIFY(meta->indexOfSignal("updateData(QString)") >= 0);
+    QVERIFY(meta->indexOfSlot("dataSet(QVariant*)") >= 0);
+    QVERIFY(m_device->numpad->metaObject()->indexOfSignal("updateData()") >= 0);
+    QSignalSpy spy(m_device.get(), &InputDevice::updateData);
+    QSignalSpy pad_spy(m_device->numpad, SIGNAL(updateData()));
+    Nest nest(3);
+    QIntValidator whole;
+    nest.field->setValidator(&whole);
+    QVERIFY(panel_event(m_device.get(), nest.field));
+    tap_keys(m_device->numpad, "5 enter");
+    QCOMPARE(nest.field->text(), QStringLiteral("5"));
+    QVERIFY(spy.isEmpty());
+    QVERIFY(pad_spy.isEmpty());
+}
+
+void Routing::taps_at_each_depth_data()
+{
+    QTest::addColumn<int>("depth");
+    QTest::addColumn<bool>("served");
+    QTest::newRow("in the window itself") << 1 << false;
+    QTest::newRow("two levels below") << 2 << false;
+    QTest::newRow("three levels below") << 3 << true;
+    QTest::newRow("four levels below") << 4 << false;
+}
+
+// The walk stops safely where the ancestors end sooner.
+void Routing::taps_at_each_depth()
+{
+    QFETCH(int, depth);
+    QFETCH(bool, served);
+    Nest nest(depth);
+    QCOMPARE(panel_event(m_device.get(), nest.field), served);
+    QCOMPARE(open(), served);
+    QVERIFY(ask(nest.field));
+}
+
+void Routing::tap_in_a_window_of_another_name()
+{
+    Nest nest(3);
+    nest.window.setObjectName(QStringLiteral("Other"));
+    QVERIFY(!panel_event(m_device.get(), nest.field));
+    QVERIFY(!open());
+}
+
+// Not even where the name that is missing would be the right one.
+void Routing::tap_on_a_marked_window_without_ancestors()
+{
+    InputDevice nameless{QString()};
+    QLineEdit field;
+    field.setProperty("keyboard", true);
+    QVERIFY(!panel_event(m_device.get(), &field));
+    QVERIFY(!panel_event(&nameless, &field));
+    QVERIFY(!open());
+    QVERIFY(!nameless.keyboard->isVisible());
+}
+
+void Routing::tap_by_marks_data()
+{
+    QTest::addColumn<QVariant>("keyboard");
+    QTest::addColumn<QVariant>("numpad");
+    QTest::addColumn<bool>("enabled");
+    QTest::addColumn<bool>("swallowed");
+    QTest::addColumn<bool>("served");
+    const QVariant none;
+    QTest::newRow("no mark") << none << none << true << false << false;
+    QTest::newRow("a mark that says no") << QVariant(false) << none << true << false << false;
+    QTest::newRow("the mark") << QVariant(true) << none << true << true << true;
+    QTest::newRow("both marks") << QVariant(true) << QVariant(true) << true << true << true;
+    QTest::newRow("only the mark of the number pad")
+        << none << QVariant(true) << true << true << false;
+    QTest::newRow("a disabled field") << QVariant(true) << none << false << true << false;
+    QTest::newRow("a disabled field without a mark") << none << none << false << false << false;
+}
+
+void Routing::tap_by_marks()
+{
+    QFETCH(QVariant, keyboard);
+    QFETCH(QVariant, numpad);
+    QFETCH(bool, enabled);
+    Nest nest(3);
+    nest.field->setProperty("keyboard", keyboard);
+    nest.field->setProperty("numpad", numpad);
+    nest.field->setEnabled(enabled);
+    QTEST(panel_event(m_device.get(), nest.field), "swallowed");
+    QTEST(open(), "served");
+    m_device->keyboard->close();
+    QTEST(ask(nest.field), "served");
+}
+
+void Routing::what_is_no_line_edit_is_swallowed()
+{
+    QTextEdit text;
+    QObject object;
+    for (QObject *const marked : {static_cast<QObject *>(&text), &object}) {
+        marked->setProperty("keyboard", true);
+        QVERIFY(panel_event(m_device.get(), marked));
+        QVERIFY(!ask(marked));
+    }
+}
+
+void Routing::events_of_other_kinds_pass()
+{
+    Nest nest(3);
+    for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonPress,
+                                    QEvent::Paint, QEvent::KeyPress, QEvent::User}) {
+        QEvent event(type);
+        QVERIFY(!m_device->eventFilter(nest.field, &event));
+        m_device->show_input_panel(nest.field, &event);
+    }
+    QVERIFY(!open());
+    QEvent closed(CLOSED);
+    m_device->show_input_panel(nest.field, &closed);
+    QVERIFY(!ask(nullptr));
+}
+
+void Routing::close_event_closes_both_pads()
+{
+    Nest nest(3);
+    nest.field->setText(QStringLiteral("old"));
+    m_device->numpad->setData(QStringLiteral("5"), nullptr);
+    m_device->keyboard->setData(QStringLiteral("a"), 10, false);
+    QLineEdit unmarked;
+    QVERIFY(!panel_event(m_device.get(), &unmarked, CLOSED));
+    QVERIFY(m_device->numpad->isVisible());
+    QVERIFY(m_device->keyboard->isVisible());
+    QVERIFY(panel_event(m_device.get(), nest.field, CLOSED));
+    QVERIFY(!open());
+    QCOMPARE(nest.field->text(), QStringLiteral("old"));
+}
+
+void Routing::double_tap_by_kind_data()
+{
+    QTest::addColumn<int>("depth");
+    QTest::newRow("a window of its own") << 0;
+    QTest::newRow("in a window") << 1;
+    QTest::newRow("deep within") << 6;
+}
+
+void Routing::double_tap_by_kind()
+{
+    QFETCH(int, depth);
+    if (depth > 0) {
+        Nest nest(depth);
+        QVERIFY(ask(nest.field));
+        return;
+    }
+    QLineEdit alone;
+    alone.setProperty("keyboard", true);
+    QVERIFY(ask(&alone));
+}
+
+void Routing::pad_by_validator_data()
+{
+    QTest::addColumn<int>("validator");
+    QTest::addColumn<bool>("numbers");
+    QTest::newRow("none") << 0 << false;
+    QTest::newRow("of numbers") << 1 << true;
+    QTest::newRow("of whole numbers") << 2 << true;
+    QTest::newRow("of something else") << 3 << false;
+}
+
+void Routing::pad_by_validator()
+{
+    QFETCH(int, validator);
+    QFETCH(bool, numbers);
+    QDoubleValidator doubles;
+    QIntValidator whole;
+    const QRegularExpressionValidator other(QRegularExpression("[0-9]*"));
+    const QValidator *const all[] = {nullptr, &doubles, &whole, &other};
+    Nest nest(3);
+    nest.field->setText(QStringLiteral("12"));
+    nest.field->setValidator(all[validator]);
+    // Of an earlier field, which the keyboard must not keep.
+    m_device->keyboard->setValidator(&whole);
+    QVERIFY(panel_event(m_device.get(), nest.field));
+    QCOMPARE(m_device->numpad->isVisible(), numbers);
+    QCOMPARE(m_device->keyboard->isVisible(), !numbers);
+    QCOMPARE(m_device->target.data(), nest.field);
+    QCOMPARE(shown(numbers ? static_cast<QWidget *>(m_device->numpad) : m_device->keyboard),
+             QStringLiteral("12"));
+    if (!numbers)
+        QCOMPARE(display(m_device->keyboard)->validator(), all[validator]);
+}
+
+void Routing::text_is_trimmed_on_its_way_to_the_pad()
+{
+    QDoubleValidator doubles;
+    Nest nest(3);
+    nest.field->setText(QStringLiteral("  12.5 \n"));
+    QVERIFY(ask(nest.field));
+    QCOMPARE(m_device->target_text(), QStringLiteral("12.5"));
+    QCOMPARE(shown(m_device->keyboard), QStringLiteral("12.5"));
+    nest.field->setValidator(&doubles);
+    QVERIFY(ask(nest.field));
+    QCOMPARE(shown(m_device->numpad), QStringLiteral("12.5"));
+    QCOMPARE(nest.field->text(), QStringLiteral("  12.5 \n"));
+}
+
+void Routing::greatest_length_and_echo_mode_go_along()
+{
+    Nest nest(3);
+    nest.field->setMaxLength(5);
+    nest.field->setEchoMode(QLineEdit::Password);
+    QVERIFY(ask(nest.field));
+    QCOMPARE(display(m_device->keyboard)->maxLength(), 5);
+    QCOMPARE(display(m_device->keyboard)->echoMode(), QLineEdit::Password);
+    QIntValidator whole;
+    nest.field->setValidator(&whole);
+    QVERIFY(ask(nest.field));
+    QCOMPARE(display(m_device->numpad)->echoMode(), QLineEdit::Password);
+    nest.field->setEchoMode(QLineEdit::Normal);
+    QVERIFY(ask(nest.field));
+    QCOMPARE(display(m_device->numpad)->echoMode(), QLineEdit::Normal);
+}
+
+void Routing::both_pads_are_centred()
+{
+    Nest nest(3);
+    m_device->keyboard->move(3, 4);
+    m_device->numpad->move(5, 6);
+    QVERIFY(ask(nest.field));
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    QCOMPARE(m_device->keyboard->pos(),
+             QPoint(screen.width() / 2 - 439, screen.height() / 2 - 213));
+    QCOMPARE(m_device->numpad->pos(), QPoint(screen.width() / 2 - 130, screen.height() / 2 - 190));
+}
+
+void Routing::ok_sets_the_text_and_takes_the_focus()
+{
+    Nest nest(3);
+    nest.field->setFocus();
+    QSignalSpy changed(nest.field, &QLineEdit::textChanged);
+    QSignalSpy finished(nest.field, &QLineEdit::editingFinished);
+    QVERIFY(ask(nest.field));
+    QTRY_VERIFY(nest.field->hasFocus());
+    finished.clear(); // what the passing activation has finished
+    tap_keys(m_device->keyboard, "lshift p space 7 rshift_2");
+    QCOMPARE(nest.field->text(), QStringLiteral("P 7"));
+    QVERIFY(!nest.field->hasFocus());
+    QVERIFY(nest.window.focusWidget() != nest.field);
+    QVERIFY(!open());
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(finished.size(), 1);
+    QCOMPARE(m_device->target.data(), nest.field);
+}
+
+// The number pad takes the activation, so the field has no focus to lose.
+void Routing::field_without_the_focus_is_finished_too()
+{
+    QIntValidator whole;
+    Nest nest(3);
+    nest.field->setValidator(&whole);
+    QVERIFY(ask(nest.field));
+    m_device->numpad->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), m_device->numpad);
+    QVERIFY(!nest.field->hasFocus());
+    QSignalSpy finished(nest.field, &QLineEdit::editingFinished);
+    tap_keys(m_device->numpad, "4 2 enter");
+    QCOMPARE(nest.field->text(), QStringLiteral("42"));
+    QCoreApplication::processEvents();
+    QCOMPARE(finished.size(), 1);
+}
+
+void Routing::escape_keeps_text_and_focus()
+{
+    QDoubleValidator doubles;
+    for (const bool numbers : {false, true}) {
+        Nest nest(3);
+        nest.field->setText(QStringLiteral("12"));
+        nest.field->setValidator(numbers ? &doubles : nullptr);
+        nest.field->setFocus();
+        QTRY_VERIFY(nest.field->hasFocus());
+        QSignalSpy changed(nest.field, &QLineEdit::textChanged);
+        QVERIFY(ask(nest.field));
+        const QWidget *const pad =
+            numbers ? static_cast<QWidget *>(m_device->numpad) : m_device->keyboard;
+        tap_keys(pad, "7 7 escape");
+        QCOMPARE(nest.field->text(), QStringLiteral("12"));
+        QVERIFY(changed.isEmpty());
+        QCOMPARE(nest.window.focusWidget(), nest.field);
+        nest.window.activateWindow(); // as a window manager does
+        QTRY_VERIFY(nest.field->hasFocus());
+    }
+}
+
+void Routing::text_that_the_field_refuses_is_not_finished()
+{
+    const QRegularExpressionValidator letters(QRegularExpression("[a-z]*"));
+    Nest nest(3);
+    nest.field->setValidator(&letters);
+    QSignalSpy finished(nest.field, &QLineEdit::editingFinished);
+    QVERIFY(ask(nest.field));
+    tap_keys(m_device->keyboard, "1 rshift_2");
+    QCOMPARE(nest.field->text(), QStringLiteral("1"));
+    QVERIFY(finished.isEmpty());
+}
+
+void Routing::field_that_has_gone_meanwhile()
+{
+    auto *const device = m_device.get();
+    for (const bool numbers : {false, true}) {
+        auto nest = std::make_unique<Nest>(3);
+        if (numbers)
+            nest->field->setValidator(new QDoubleValidator(&nest->window));
+        nest->field->setText(QStringLiteral("8"));
+        QVERIFY(ask(nest->field));
+        nest.reset(); // and the validator with it
+        const QWidget *const pad =
+            numbers ? static_cast<QWidget *>(device->numpad) : device->keyboard;
+        QVERIFY(pad->isVisible());
+        QCOMPARE(device->target_text(), QString());
+        tap_keys(pad, numbers ? "7 period 10 backspace enter" : "7 left tab enter");
+        QVERIFY(!open());
+        QVERIFY(device->target.isNull());
+    }
+}
+
+void Routing::target_that_is_no_line_edit()
+{
+    QTextEdit text;
+    text.setPlainText(QStringLiteral("as it was"));
+    m_device->target = &text;
+    QCOMPARE(m_device->target_text(), QString());
+    m_device->set_target_text(QStringLiteral("new"));
+    QCOMPARE(text.toPlainText(), QStringLiteral("as it was"));
+}
+
+// Its Ok would give this field a value that was meant for the other.
+void Routing::pad_of_another_field_is_closed_first()
+{
+    QDoubleValidator doubles;
+    Nest number(3);
+    number.field->setValidator(&doubles);
+    number.field->setText(QStringLiteral("1"));
+    Nest text(3);
+    QVERIFY(ask(number.field));
+    QVERIFY(m_device->numpad->isVisible());
+    QVERIFY(ask(text.field));
+    QVERIFY(!m_device->numpad->isVisible());
+    QVERIFY(m_device->keyboard->isVisible());
+    tap_keys(m_device->keyboard, "a enter");
+    QCOMPARE(text.field->text(), QStringLiteral("a"));
+    QCOMPARE(number.field->text(), QStringLiteral("1"));
+}
+
+void Routing::pad_of_a_field_in_a_dialog_can_be_used()
+{
+    Nest behind(3);
+    QVERIFY(ask(behind.field));
+    QDialog dialog;
+    dialog.setModal(true);
+    QLineEdit field(&dialog);
+    field.setProperty("keyboard", true);
+    dialog.show();
+    QVERIFY(ask(&field)); // before the pad for the other one has made way
+    QCoreApplication::processEvents();
+    QVERIFY(ask(&field));
+    tap_keys(m_device->keyboard, "o k rshift_2");
+    QCOMPARE(field.text(), QStringLiteral("ok"));
+    QCOMPARE(behind.field->text(), QString());
+}
+
+void Routing::box_that_refuses_the_text_is_not_under_the_pad()
+{
+    Nest nest(3);
+    bool was_open = true;
+    connect(nest.field, &QLineEdit::textChanged, this, [&] { was_open = open(); });
+    QVERIFY(ask(nest.field));
+    tap_keys(m_device->keyboard, "7 enter");
+    QVERIFY(!was_open);
+}
+
+// The pad has the last word: what it shows replaces what was typed meanwhile.
+void Routing::hardware_keys_and_the_pad_on_one_field()
+{
+    QDoubleValidator doubles;
+    Nest nest(3);
+    nest.field->setValidator(&doubles);
+    nest.field->setText(QStringLiteral("12.5"));
+    nest.field->setFocus();
+    QVERIFY(ask(nest.field));
+    tap_keys(m_device->numpad, "4");
+    nest.window.activateWindow();
+    QTRY_VERIFY(nest.field->hasFocus());
+    nest.field->end(false);
+    hardware_keys("7");
+    QCOMPARE(nest.field->text(), QStringLiteral("12.57"));
+    QCOMPARE(shown(m_device->numpad), QStringLiteral("4"));
+    tap_keys(m_device->numpad, "2 enter");
+    QCOMPARE(nest.field->text(), QStringLiteral("42"));
+}
+
+void Routing::hardware_keys_and_the_keyboard_on_one_field()
+{
+    Nest nest(3);
+    nest.field->setText(QStringLiteral("pump"));
+    nest.field->setFocus();
+    QTRY_VERIFY(nest.field->hasFocus());
+    QVERIFY(ask(nest.field));
+    QTRY_VERIFY(nest.field->hasFocus());
+    tap_keys(m_device->keyboard, "space 2");
+    hardware_keys("ed");
+    QVERIFY(nest.field->text().endsWith(QStringLiteral("ed")));
+    QCOMPARE(shown(m_device->keyboard), QStringLiteral("pump 2"));
+    tap_keys(m_device->keyboard, "escape");
+    QVERIFY(nest.field->text().endsWith(QStringLiteral("ed")));
+    QVERIFY(ask(nest.field));
+    QCOMPARE(shown(m_device->keyboard), nest.field->text());
+    tap_keys(m_device->keyboard, "1 rshift_2");
+    QVERIFY(nest.field->text().endsWith(QStringLiteral("ed1")));
+}
+
+void Routing::long_text_of_a_field_is_bounded()
+{
+    QDoubleValidator doubles;
+    Nest nest(3);
+    nest.field->setText(QString(100000, '7'));
+    QVERIFY(ask(nest.field));
+    QCOMPARE(shown(m_device->keyboard).size(), 32767);
+    tap_keys(m_device->keyboard, "8 enter");
+    QCOMPARE(nest.field->text(), QString(32767, '7'));
+    nest.field->setValidator(&doubles);
+    QVERIFY(ask(nest.field));
+    QCOMPARE(shown(m_device->numpad).size(), 32767);
+    tap_keys(m_device->numpad, "escape");
+    m_device->set_target_text(QString(100000, '6'));
+    QCOMPARE(nest.field->text(), QString(32767, '6'));
+}
+
+void Routing::value_is_not_deleted()
+{
+    Nest nest(3);
+    QVERIFY(ask(nest.field));
+    QVariant value(QStringLiteral("kept"));
+    m_device->dataSet(&value);
+    QCOMPARE(nest.field->text(), QStringLiteral("kept"));
+    QCOMPARE(value, QVariant("kept"));
+}
+
+void Routing::pads_go_with_the_device()
+{
+    const QPointer<QWidget> keyboard = m_device->keyboard;
+    const QPointer<QWidget> numpad = m_device->numpad;
+    m_device.reset();
+    QVERIFY(keyboard.isNull());
+    QVERIFY(numpad.isNull());
+}
+
+QTEST_MAIN(Routing)
+#include "test_routing.moc"
