@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QListView>
 #include <QMainWindow>
@@ -32,7 +33,9 @@ QString plain_text(const QAbstractButton *button)
 
 } // namespace
 
-Driver::Driver(const QString &folder) : m_folder(folder)
+// The pictures of a further run follow on those of the former.
+Driver::Driver(const QString &folder)
+    : m_folder(folder), m_pictures(QDir(folder).entryList({QStringLiteral("*.png")}).size())
 {
     qApp->installEventFilter(this);
 }

@@ -97,7 +97,7 @@ private:
     void note(QMessageBox *box);
 
     QString m_folder;
-    int m_pictures = 0;
+    int m_pictures;
     int m_awaited = 0; // questions that an action is to ask and has not yet
     QList<Question> m_questions;
     QStringList m_expected_files;

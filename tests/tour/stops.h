@@ -40,4 +40,9 @@ void stop_table_units(tour::Driver &driver);
 // tour_views.cpp
 void stop_statistics(tour::Driver &driver);
 
+// tour_touch.cpp: the second run, on a touch screen cell
+void stop_touch_names(tour::Driver &driver);
+void stop_touch_calibration(tour::Driver &driver);
+void stop_touch_leave(tour::Driver &driver);
+
 #endif

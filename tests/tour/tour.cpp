@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include <QApplication>
+#include <QFile>
 #include <QTimer>
 
 #include "tests/tour/driver.h"
@@ -41,6 +42,12 @@ constexpr Stop STOPS[] = {
     {"leave", stop_leave},
 };
 
+constexpr Stop TOUCH_STOPS[] = {
+    {"names by touch", stop_touch_names},
+    {"a calibration by touch", stop_touch_calibration},
+    {"leave by the close button", stop_touch_leave},
+};
+
 // What the script checks once the program has ended.
 void note_the_end(tour::Driver &driver)
 {
@@ -51,13 +58,21 @@ void note_the_end(tour::Driver &driver)
     driver.check(std::fclose(done) == 0, QStringLiteral("the end is noted"));
 }
 
-void run()
+template <std::size_t Count> void walk(tour::Driver &driver, const Stop (&stops)[Count])
 {
-    tour::Driver driver(QString::fromLocal8Bit(qgetenv("ZERL_TOUR_FOLDER")));
-    for (const Stop &stop : STOPS) {
+    for (const Stop &stop : stops) {
         driver.tell(QStringLiteral("== ") + QLatin1String(stop.name));
         stop.walk(driver);
     }
+}
+
+void run()
+{
+    tour::Driver driver(QString::fromLocal8Bit(qgetenv("ZERL_TOUR_FOLDER")));
+    if (QFile::exists(QStringLiteral("/cell/vornax_ts.ini")))
+        walk(driver, TOUCH_STOPS);
+    else
+        walk(driver, STOPS);
     driver.tell_questions();
     note_the_end(driver);
 }
