@@ -83,6 +83,8 @@ void TypingPad::window_of_the_keyboard()
     QCOMPARE(m_pad->minimumSize(), QSize(879, 426));
     QCOMPARE(m_pad->maximumSize(), QSize(879, 426));
     QVERIFY(!m_pad->isVisible());
+    // Left open it keeps the program no longer than its window.
+    QVERIFY(!m_pad->testAttribute(Qt::WA_QuitOnClose));
 }
 
 void TypingPad::form_of_the_keyboard()

@@ -77,6 +77,8 @@ void NumberPad::window_of_the_pad()
     QCOMPARE(m_pad->minimumSize(), QSize(261, 380));
     QCOMPARE(m_pad->maximumSize(), QSize(261, 380));
     QVERIFY(!m_pad->isVisible());
+    // Left open it keeps the program no longer than its window.
+    QVERIFY(!m_pad->testAttribute(Qt::WA_QuitOnClose));
 }
 
 void NumberPad::form_of_the_pad()
