@@ -3,6 +3,8 @@
 // Record Data and the four kinds of recording.
 #include "frame/mainwindow.h"
 
+#include <QLocale>
+
 #include "calibration/classification.h"
 #include "calibration/judgedrows.h"
 #include "calibration/process.h"
@@ -34,7 +36,8 @@ void empty_box(QLineEdit *box, char (&copy)[80])
 void MainWindow::stamp(QLineEdit *box, char (&copy)[80])
 {
     m_correlation_time = QDateTime::currentDateTime();
-    box->setText(m_correlation_time.toString(QStringLiteral("MM/dd/yyyy hh:mm:ss")));
+    // Read back by the report and by people elsewhere: never in the desktop's digits.
+    box->setText(QLocale::c().toString(m_correlation_time, QStringLiteral("MM/dd/yyyy hh:mm:ss")));
     copy_text(copy, box->text());
 }
 

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <QLocale>
+
 #include "host/operations.h"
 #include "host/tablerecord.h"
 
@@ -76,7 +78,7 @@ QByteArray linearity_dump_path(const char *table_name, const QDateTime &now)
 {
     const std::size_t length = strnlen(table_name, sizeof TABLE_RECORD::table_name);
     return "/ram/" + QByteArray(table_name, static_cast<int>(length)) +
-           now.toString(QStringLiteral("MMddyyyyHHmmss")).toLatin1() + ".html";
+           QLocale::c().toString(now, QStringLiteral("MMddyyyyHHmmss")).toUtf8() + ".html";
 }
 
 QByteArray linearity_dump(const LinearityFigures &figures)

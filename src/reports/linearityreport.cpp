@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include <QDateTime>
+#include <QLocale>
 
 #include "frame/functions.h"
 #include "frame/hostlink.h"
@@ -55,7 +56,7 @@ ReportSources session_sources()
 QByteArray permanent_report_path(const TABLE_RECORD &table, const QDate &day)
 {
     return "/cell/tables/reports/" + record_bytes(table.table_name) + '_' +
-           day.toString(QStringLiteral("MMddyyyy")).toLatin1() + ".html";
+           QLocale::c().toString(day, QStringLiteral("MMddyyyy")).toUtf8() + ".html";
 }
 
 bool generate_line_rpt(bool permanent)

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <QDateTime>
+#include <QLocale>
 
 #include "frame/functions.h"
 #include "reports/linearityfigures.h"
@@ -158,14 +159,14 @@ const char NEXT_TABLE[] = "</table><br/><table width='100%'>";
 
 QByteArray text_of(const QDateTime &time, const char *format)
 {
-    return time.toString(QLatin1String(format)).toLatin1();
+    return QLocale::c().toString(time, QLatin1String(format)).toUtf8();
 }
 
 Rows general_rows(const ReportSources &s)
 {
     const TABLE_RECORD &table = *s.table;
-    const QDateTime verified = QDateTime::fromString(QString::fromLatin1(s.adjust_calibration_time),
-                                                     QStringLiteral("MM/dd/yyyy hh:mm:ss"));
+    const QDateTime verified = QLocale::c().toDateTime(QString::fromUtf8(s.adjust_calibration_time),
+                                                       QStringLiteral("MM/dd/yyyy hh:mm:ss"));
     const QDateTime last = QDateTime::fromSecsSinceEpoch(table.last_cal_time);
     // clang-format off
     return {
