@@ -1,27 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/polydeviation.h"
 
-#include <algorithm>
-
 #include "calibration/plotcurve.h"
+#include "calibration/tableload.h"
 #include "host/operations.h"
-
-namespace
-{
-
-int32_t coeff_count(const POLY_RANGE_RECORD &range)
-{
-    return std::clamp<int32_t>(range.num_coeffs, 0, POLY_COEFFS);
-}
-
-} // namespace
 
 POLY_DEVIATION deviation_of(const POINT_STATISTICS &point, const POLY_RANGE_RECORD &range)
 {
     POLY_DEVIATION result = {};
     result.x = point.mv_mean;
     result.y = point.eu_mean;
-    result.computed = poly(range.coeffs, coeff_count(range), result.x);
+    double coeffs[MAX_POINTS] = {};
+    const int32_t coeff_count = load_coefficients(range, coeffs);
+    result.computed = poly(coeffs, coeff_count, result.x);
     result.deviation = result.y - result.computed;
     return result;
 }
@@ -35,6 +26,7 @@ double poly_r_squared(const ZERL_CFG &cfg)
         x[i] = cfg.point_stats[i].eu_mean;
         y[i] = cfg.point_stats[i].mv_mean;
     }
-    const POLY_RANGE_RECORD &range = range_in_work(cfg.table);
-    return getRSquared(x, y, n, range.coeffs, coeff_count(range));
+    double coeffs[MAX_POINTS] = {};
+    const int32_t coeff_count = load_coefficients(range_in_work(cfg.table), coeffs);
+    return getRSquared(x, y, n, coeffs, coeff_count);
 }

@@ -13,8 +13,9 @@ struct POLY_DEVIATION {
     double deviation; // y less computed, with its sign
 };
 
-// A captured point against the range's polynomial. A count of coefficients
-// beyond the 18 that a range holds counts as 18; without any the polynomial is 0.
+// A captured point against the range's polynomial; without coefficients that is
+// 0. A count beyond the 18 that a range holds goes on into its x values, as
+// load_coefficients tells.
 POLY_DEVIATION deviation_of(const POINT_STATISTICS &point, const POLY_RANGE_RECORD &range);
 
 // r squared of the polynomial in work over the points of long_current, with the

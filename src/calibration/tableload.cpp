@@ -148,6 +148,16 @@ void store_line_coefficients(POLY_RANGE_RECORD *range, const double *buffer, int
                 buffer, bytes);
 }
 
+int32_t load_coefficients(const POLY_RANGE_RECORD &range, double (&coeffs)[MAX_POINTS])
+{
+    const int32_t count = std::clamp<int32_t>(range.num_coeffs, 0, MAX_POINTS);
+    std::memcpy(coeffs,
+                reinterpret_cast<const unsigned char *>(&range) +
+                    offsetof(POLY_RANGE_RECORD, coeffs),
+                static_cast<std::size_t>(count) * sizeof(double));
+    return count;
+}
+
 int32_t load_channel_table(ZERL_CFG *cfg)
 {
     std::memset(&cfg->table, 0, sizeof cfg->table);

@@ -24,6 +24,11 @@ void sort_points(double *x, double *y, int n);
 // points has always been loaded.
 void store_line_coefficients(POLY_RANGE_RECORD *range, const double *buffer, int n);
 
+// The range's coefficients, as many as it counts, 64 at most; returns that
+// number. Behind the 18 that it holds stand its x values, and with the count
+// that a table of more than 18 points was given they serve as coefficients.
+int32_t load_coefficients(const POLY_RANGE_RECORD &range, double (&coeffs)[MAX_POINTS]);
+
 // Starts the work on the table just computed: the copies to compare with, the
 // limits, the extents and the counts.
 void take_table_into_work(ZERL_CFG *cfg);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Captured points against the polynomial of their table.
+#include <cmath>
 #include <limits>
 
 #include <QtTest>
@@ -20,6 +21,7 @@ private slots:
     void r_squared_of_the_types_range();
     void r_squared_of_odd_counts_data();
     void r_squared_of_odd_counts();
+    void r_squared_of_more_coefficients_than_a_range_holds();
 };
 
 void PolyDeviation::deviation_data()
@@ -42,8 +44,12 @@ void PolyDeviation::deviation_data()
     QVector<double> full(POLY_COEFFS, 0.);
     full[17] = 1.;
     QTest::newRow("18 coefficients") << full << 18 << 2. << 131072. << 131072. << 0.;
-    QTest::newRow("a count of 64, as a point table has, stops at 18")
-        << full << 64 << 2. << 131072. << 131072. << 0.;
+    // 2^17 and 5 * 2^18, then 7 * 2^19 too.
+    QTest::newRow("the 19th is the first x value")
+        << full << 19 << 2. << 1441792. << 1441792. << 0.;
+    QTest::newRow("the 20th is the second") << full << 20 << 2. << 0. << 5111808. << -5111808.;
+    QTest::newRow("the 64th is the 46th") << full << 64 << 1. << 0. << 24. << -24.;
+    QTest::newRow("more than points stop at the 64th") << full << 65 << 1. << 0. << 24. << -24.;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     QTest::newRow("millivolts that are no number") << square << 3 << nan << 2. << nan << nan;
     QTest::newRow("a value that is no number") << square << 3 << 2. << nan << 17. << nan;
@@ -56,7 +62,10 @@ void PolyDeviation::deviation()
     POLY_RANGE_RECORD range = {};
     std::copy(coeffs.cbegin(), coeffs.cend(), range.coeffs);
     range.num_coeffs = static_cast<int16_t>(count);
-    range.x[0] = 1e9; // what stands behind the coefficients
+    range.x[0] = 5.; // what stands behind the coefficients
+    range.x[1] = 7.;
+    range.x[45] = 11.;
+    range.x[46] = 1e9;
     POINT_STATISTICS point = {};
     QFETCH(double, x);
     QFETCH(double, y);
@@ -128,7 +137,8 @@ void PolyDeviation::r_squared_of_odd_counts_data()
     QTest::newRow("a negative number of points") << -3 << 2 << 0.;
     QTest::newRow("64 points") << 64 << 2 << 1.;
     QTest::newRow("more points than there are") << 1000 << 2 << 1.;
-    QTest::newRow("more coefficients than there are") << 64 << 64 << 1.;
+    QTest::newRow("more coefficients than a range holds: the x values serve too") << 64 << 64 << 1.;
+    QTest::newRow("more coefficients than points") << 64 << 65 << 1.;
 }
 
 void PolyDeviation::r_squared_of_odd_counts()
@@ -138,13 +148,30 @@ void PolyDeviation::r_squared_of_odd_counts()
     auto cfg = std::make_unique<ZERL_CFG>();
     set_coeffs(&cfg->table.poly[0], {0., 2.});
     cfg->table.poly[0].num_coeffs = static_cast<int16_t>(coeffs);
-    cfg->table.poly[0].x[0] = 1e9;
+    cfg->table.poly[0].x[46] = 1e9;
     cfg->long_current.num_points = static_cast<int16_t>(points);
     for (int i = 0; i < MAX_POINTS; ++i) {
         cfg->point_stats[i].eu_mean = i;
         cfg->point_stats[i].mv_mean = 2. * i;
     }
     QTEST(poly_r_squared(*cfg), "r_squared");
+}
+
+// 0, 1 and 2^18 at 0, 1 and 2 lie on x^18, whose coefficient is the first x value.
+void PolyDeviation::r_squared_of_more_coefficients_than_a_range_holds()
+{
+    auto cfg = std::make_unique<ZERL_CFG>();
+    cfg->table.table_type = TABLE_POLY;
+    cfg->table.poly[0].x[0] = 1.;
+    cfg->long_current.num_points = 3;
+    for (int i = 0; i < 3; ++i) {
+        cfg->point_stats[i].eu_mean = i;
+        cfg->point_stats[i].mv_mean = std::pow(i, 18);
+    }
+    cfg->table.poly[0].num_coeffs = 19;
+    QCOMPARE(poly_r_squared(*cfg), 1.);
+    cfg->table.poly[0].num_coeffs = 18;
+    QVERIFY(poly_r_squared(*cfg) < 0.);
 }
 
 QTEST_GUILESS_MAIN(PolyDeviation)
