@@ -26,31 +26,28 @@ struct Data {
     std::array<double, POINTS> y;
 };
 
-// A sensor of 0 to 1000 with the scatter of a capture.
-const Data &data()
+// A sensor from that value on, over a span of 1000, with the scatter of a capture.
+Data data_from(double first)
 {
-    static const Data made = [] {
-        Data fresh{};
-        for (unsigned i = 0; i < POINTS; ++i) {
-            fresh.x[i] = 1000.0 * i / (POINTS - 1);
-            fresh.y[i] = fresh.x[i] + 0.3 * std::sin(12.9898 * i);
-            fresh.points[i].eu_reference = fresh.x[i];
-            fresh.points[i].eu_mean = fresh.y[i];
-            fresh.points[i].eu_std = 0.01;
-            fresh.points[i].eu_min = fresh.y[i] - 0.02;
-            fresh.points[i].eu_max = fresh.y[i] + 0.02;
-        }
-        return fresh;
-    }();
-    return made;
+    Data fresh{};
+    for (unsigned i = 0; i < POINTS; ++i) {
+        fresh.x[i] = first + 1000.0 * i / (POINTS - 1);
+        fresh.y[i] = fresh.x[i] + 0.3 * std::sin(12.9898 * i);
+        fresh.points[i].eu_reference = fresh.x[i];
+        fresh.points[i].eu_mean = fresh.y[i];
+        fresh.points[i].eu_std = 0.01;
+        fresh.points[i].eu_min = fresh.y[i] - 0.02;
+        fresh.points[i].eu_max = fresh.y[i] + 0.02;
+    }
+    return fresh;
 }
 
-void BM_linearity_figures(benchmark::State &state)
+void run_figures(benchmark::State &state, double first)
 {
-    const Data &session = data();
+    const Data session = data_from(first);
     const char units[16] = "kPa";
     LINE_RPT record = {};
-    record.max_expected_val = 1000.0;
+    record.max_expected_val = first + 1000.0;
     for (auto run : state) {
         static_cast<void>(run);
         const LinearityFigures figures =
@@ -59,11 +56,30 @@ void BM_linearity_figures(benchmark::State &state)
         benchmark::ClobberMemory();
     }
 }
+
+void BM_linearity_figures(benchmark::State &state)
+{
+    run_figures(state, 0.0);
+}
 BENCHMARK(BM_linearity_figures);
+
+// Pressures in Pa: beyond what 8 decimals of a double still tell apart.
+void BM_linearity_figures_near_1e8(benchmark::State &state)
+{
+    run_figures(state, 1e8);
+}
+BENCHMARK(BM_linearity_figures_near_1e8);
+
+// Between the two: decimals of a double that are finer than 1e-8 by a hair.
+void BM_linearity_figures_near_5e7(benchmark::State &state)
+{
+    run_figures(state, 5e7);
+}
+BENCHMARK(BM_linearity_figures_near_5e7);
 
 void BM_fit_line(benchmark::State &state)
 {
-    const Data &session = data();
+    const Data session = data_from(0.0);
     double slope = 0.0;
     double intercept = 0.0;
     double r_squared = 0.0;
@@ -82,5 +98,8 @@ BENCHMARK(BM_fit_line);
 
 int main(int argc, char **argv)
 {
-    return bench::run(argc, argv, {{"BM_linearity_figures", "BM_fit_line", 20.0}});
+    return bench::run(argc, argv,
+                      {{"BM_linearity_figures", "BM_fit_line", 20.0},
+                       {"BM_linearity_figures_near_5e7", "BM_fit_line", 20.0},
+                       {"BM_linearity_figures_near_1e8", "BM_fit_line", 20.0}});
 }

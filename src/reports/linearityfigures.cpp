@@ -5,8 +5,6 @@
 #include <cmath>
 #include <cstring>
 
-#include <QString>
-
 #include "frame/functions.h"
 #include "host/operations.h"
 
@@ -180,10 +178,12 @@ LinearityFigures linearity_figures(const POINT_STATISTICS *points, int32_t count
 double rounded_to_8_decimals(double value)
 {
     constexpr double SCALE = 1e8;
-    constexpr double LIMIT = 4e7; // below it the scaled value has a bit for the half
+    // From 2^26 on doubles lie further apart than the decimals, and the value is
+    // the double nearest to its own text.
+    constexpr double LIMIT = 67108864.0;
     const double magnitude = std::fabs(value);
     if (!(magnitude < LIMIT))
-        return QString::number(value, 'f', 8).toDouble();
+        return value;
     // The scaled value exactly: product and rest. Whole numbers below 2^53 over
     // 1e8 divide to the nearest double, which is what reading the text gives.
     const double product = magnitude * SCALE;

@@ -47,6 +47,7 @@ private slots:
     void rounding_is_printing_and_reading_back_data();
     void rounding_is_printing_and_reading_back();
     void rounding_of_many_values();
+    void rounding_of_many_large_values();
     void nist_line_data();
     void nist_line();
     void norris_as_published();
@@ -67,8 +68,11 @@ void LinearityAccuracy::rounding_is_printing_and_reading_back_data()
     QTest::newRow("0.5e-8 is not exact and lies above") << 0.5e-8 << 1e-8;
     QTest::newRow("1.5e-8 is not exact and lies below") << 1.5e-8 << 1e-8;
     QTest::newRow("smallest of all") << 5e-324 << 0.0;
-    QTest::newRow("where fast arithmetic ends") << 4e7 << 4e7;
-    QTest::newRow("just before") << std::nextafter(4e7, 0.0) << 39999999.99999999;
+    QTest::newRow("where the scaled value loses its half") << 45035996.5 << 45035996.5;
+    QTest::newRow("a half behind it") << 50000000.0 + 1.0 / 512 << 50000000.00195313;
+    QTest::newRow("so does a negative one there") << -50000000.0 - 1.0 / 512 << -50000000.00195313;
+    QTest::newRow("where decimals end") << 67108864.0 << 67108864.0;
+    QTest::newRow("just before") << std::nextafter(67108864.0, 0.0) << 67108863.99999999;
     QTest::newRow("large") << 123456789.123456789 << 123456789.12345679;
     QTest::newRow("larger than its decimals") << 1e300 << 1e300;
     QTest::newRow("infinite") << INF << INF;
@@ -95,6 +99,26 @@ void LinearityAccuracy::rounding_of_many_values()
         const double near_half = (static_cast<double>(steps(random)) + 0.5) / 1e8;
         for (const double value : {mantissa(random) * std::pow(10.0, exponent(random)), half,
                                    std::nextafter(half, INF), near_half}) {
+            const double expected = QString::number(value, 'f', 8).toDouble();
+            QVERIFY2(same_bits(rounded_to_8_decimals(value), expected),
+                     qPrintable(QString::number(value, 'g', 17)));
+        }
+    }
+}
+
+// Where the decimals come to an end, and far behind it.
+void LinearityAccuracy::rounding_of_many_large_values()
+{
+    std::mt19937_64 random(20240306);
+    std::uniform_real_distribution<double> around(3e7, 2e8);
+    std::uniform_real_distribution<double> exponent(7.0, 308.0);
+    std::uniform_int_distribution<int64_t> steps(7500000000, 17179869183);
+    for (int i = 0; i < 20000; ++i) {
+        const double half = (2.0 * static_cast<double>(steps(random)) + 1.0) / 512.0;
+        for (const double value : {around(random), -around(random), half, std::nextafter(half, 0.0),
+                                   std::nextafter(half, INF), std::pow(2.0, 24 + i % 900),
+                                   -std::nextafter(std::pow(2.0, 24 + i % 900), 0.0),
+                                   std::pow(10.0, exponent(random))}) {
             const double expected = QString::number(value, 'f', 8).toDouble();
             QVERIFY2(same_bits(rounded_to_8_decimals(value), expected),
                      qPrintable(QString::number(value, 'g', 17)));
