@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QLocale>
 
 #include "frame/hostlink.h"
 #include "reports/linearityreport.h"
@@ -18,9 +19,13 @@ namespace
 
 const char TMP_REPORT[] = "/tmp/zerl_util_line_rpt.html";
 
-QString permanent_path(const QString &table, const QDate &day)
+// The record's name, after which files are named; the host's name for the table
+// of channel 1 is "one".
+const char TABLE_NAME[] = "record_one";
+
+QString permanent_path(const QDate &day)
 {
-    return "/cell/tables/reports/" + table + '_' + day.toString("MMddyyyy") + ".html";
+    return "/cell/tables/reports/record_one_" + QLocale::c().toString(day, "MMddyyyy") + ".html";
 }
 
 } // namespace
@@ -69,7 +74,7 @@ void LinearityReport::bind_channel_one(const char *case_name)
     g_cfg->channel = 1;
     std::copy(one.points.begin(), one.points.end(), g_cfg->point_stats);
     g_cfg->long_current.num_points = static_cast<int16_t>(one.count);
-    qstrncpy(g_cfg->table.table_name, "one", sizeof g_cfg->table.table_name);
+    qstrncpy(g_cfg->table.table_name, TABLE_NAME, sizeof g_cfg->table.table_name);
     qstrncpy(g_cfg->table.description, "Table one", sizeof g_cfg->table.description);
     std::memcpy(g_cfg->table.eng_units, one.units, sizeof one.units);
     g_env->max_expected_val = one.max_expected_val;
@@ -113,6 +118,8 @@ void LinearityReport::report_of_a_session()
     QCOMPARE(g_line_rpt.a1, figures_of(linearity_cases().at("three_points")).record.a1);
     QVERIFY(row_of(document, "X<sub>max</sub>:").contains(centred("1000")));
     QVERIFY(row_of(document, "Max Expected Val:").contains(centred("4.5")));
+    QVERIFY(row_of(document, "Cal Table Name:").contains("<td class='all_on_left'>one</td>"));
+    QCOMPARE(QDir("/ram").entryList({"record_one*.html"}, QDir::Files).size(), 1);
     QCOMPARE(QDir("/ram").entryList(QDir::Files).size(), 1);
 }
 
@@ -125,8 +132,9 @@ void LinearityReport::permanent_report_is_named_by_table_and_day()
     const QDate before = QDate::currentDate();
     QVERIFY(generate_line_rpt(true));
     const QString path = QString::fromUtf8(report_path);
-    QVERIFY(path == permanent_path("one", before) ||
-            path == permanent_path("one", QDate::currentDate()));
+    QVERIFY2(path == permanent_path(before) || path == permanent_path(QDate::currentDate()),
+             qPrintable(path));
+    QVERIFY(row_of(read_file(path), "Cal Table Name:").contains(">one<"));
     QVERIFY(read_file(path).startsWith("<html>"));
     QVERIFY(!QFileInfo::exists(TMP_REPORT));
 }
@@ -145,7 +153,7 @@ void LinearityReport::second_report_of_a_day_replaces_the_first()
         g_cfg->long_current.num_points = 2;
         QVERIFY(generate_line_rpt(true));
     } while (day != QDate::currentDate());
-    const QByteArray document = read_file(permanent_path("one", day));
+    const QByteArray document = read_file(permanent_path(day));
     QCOMPARE(document.count("<html>"), 1);
     QVERIFY(document.contains("Entered Pts:</td><td align='center'>2</td>"));
     QVERIFY(document.endsWith("</td></tr>"));
@@ -154,7 +162,8 @@ void LinearityReport::second_report_of_a_day_replaces_the_first()
 void LinearityReport::variables_of_the_cell()
 {
     TestCell cell(TestCell::simple_description() +
-                  "variable CELL_BARO 101.325 kPa\nvariable HUMID 0.45 FRAC\n");
+                  "variable CELL_BARO 101.325 kPa\nvariable HUMID 0.45 FRAC\n"
+                  "variable FAN_SPEED 1500 RPM\n");
     QVERIFY2(cell.start(), qPrintable(cell.error()));
     bind_channel_one("three_points");
     qstrncpy(g_specs->temperature_var_name, "CELL_TEMP", 80);
@@ -170,6 +179,18 @@ void LinearityReport::variables_of_the_cell()
         // The value is in inches of mercury, the unit is the variable's own.
         QVERIFY(row_of(document, "Barometer:").contains(centred("29.9213") + centred("kPa")));
         QVERIFY(row_of(document, "Humidity:").contains(centred("45") + centred("FRAC")));
+    }
+    {
+        // Found, but no pressure: the host passes the value on, in its own unit. A
+        // value that the host left alone would stay 0.
+        const HostLog log;
+        qstrncpy(g_specs->barometer_var_name, "FAN_SPEED", 80);
+        QVERIFY(generate_line_rpt(false));
+        QCOMPARE(log.texts(), QStringList());
+        QVERIFY(row_of(read_file(TMP_REPORT), "Barometer:")
+                    .endsWith(centred("1500") + centred("RPM") + "</"));
+        QCOMPARE(EnvironmentReading().value, 0.0);
+        qstrncpy(g_specs->barometer_var_name, "CELL_BARO", 80);
     }
     const HostLog log;
     qstrncpy(g_specs->temperature_var_name, "", 80);
@@ -190,7 +211,7 @@ void LinearityReport::no_folder_for_reports()
     QVERIFY(!QFileInfo::exists("/cell/tables/reports"));
     const HostLog log;
     QVERIFY(!generate_line_rpt(true));
-    QVERIFY(report_path.startsWith("/cell/tables/reports/one_"));
+    QVERIFY(report_path.startsWith("/cell/tables/reports/record_one_"));
     QVERIFY(!QFileInfo::exists("/cell/tables/reports")); // it is not made
     QCOMPARE(log.texts(), QStringList());
     QCOMPARE(g_line_rpt.entered_points, 3); // the figures and their dump are there
