@@ -4,10 +4,53 @@
 #include <cmath>
 #include <limits>
 
+#include <linux/capability.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <QGroupBox>
 
 #include "gui/views/statisticsview.h"
+#include "support/hostlog.h"
 #include "views/polyregressiondialog.h"
+
+namespace
+{
+
+// A folder that nobody can write into while this lives, the superuser included.
+class ReadOnlyFolder
+{
+public:
+    explicit ReadOnlyFolder(const char *path) : m_path(path)
+    {
+        struct stat now = {};
+        m_closed = stat(path, &now) == 0 && chmod(path, 0555) == 0;
+        m_mode = now.st_mode & 07777;
+        m_closed = m_closed && syscall(SYS_capget, &m_header, m_kept) == 0;
+        __user_cap_data_struct without[] = {m_kept[0], m_kept[1]};
+        without[0].effective &= ~(1U << CAP_DAC_OVERRIDE);
+        m_closed = m_closed && syscall(SYS_capset, &m_header, without) == 0;
+    }
+    ~ReadOnlyFolder()
+    {
+        syscall(SYS_capset, &m_header, m_kept);
+        chmod(m_path, m_mode);
+    }
+    ReadOnlyFolder(const ReadOnlyFolder &) = delete;
+    ReadOnlyFolder &operator=(const ReadOnlyFolder &) = delete;
+
+    bool is_read_only() const { return m_closed; }
+
+private:
+    const char *m_path;
+    bool m_closed;
+    mode_t m_mode;
+    __user_cap_header_struct m_header = {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct m_kept[2] = {};
+};
+
+} // namespace
 
 class PolyRegression : public QObject
 {
@@ -22,6 +65,7 @@ private slots:
     void polynomial_of_the_range_in_work_whatever_the_type_data();
     void polynomial_of_the_range_in_work_whatever_the_type();
     void interp_fills_the_table_and_hides_both_boxes();
+    void more_points_than_coefficients_a_range_holds();
     void groups_by_type_data();
     void groups_by_type();
     void three_coefficients();
@@ -40,6 +84,8 @@ private slots:
     void odd_counts_data();
     void odd_counts();
     void polynomials_own_r_squared_is_dropped();
+    void opening_writes_a_dump();
+    void opened_without_a_place_for_the_dump();
     void record_by_the_second_pointer();
     void table_takes_the_room_there_is();
     void closing();
@@ -164,6 +210,22 @@ void PolyRegression::interp_fills_the_table_and_hides_both_boxes()
              (QStringList{"4", "400.000", "4.000", "4.600", "-0.600"}));
     QVERIFY(!shows(view, "grpCoeffInfo"));
     QVERIFY(!shows(view, "grpLinearRegInfo"));
+}
+
+// A table of 20 points has 20 coefficients: the last two are its first x values.
+void PolyRegression::more_points_than_coefficients_a_range_holds()
+{
+    POLY_RANGE_RECORD &range = g_cfg->table.poly[0];
+    g_cfg->table.table_type = TABLE_INTERP;
+    range.num_coeffs = 20;
+    range.coeffs[3] = 0.;
+    range.x[0] = 0.25;
+    range.x[1] = 0.5;
+    range.x[2] = 1000.; // not counted
+    g_cfg->point_stats[1].mv_mean = 1.;
+    const PolyRegressionDialog view(nullptr);
+    QCOMPARE(table_row(part<QTableWidget>(&view, "tblCalInfo"), 1),
+             (QStringList{"2", "1.000", "2.000", "-0.240", "2.240"}));
 }
 
 void PolyRegression::groups_by_type_data()
@@ -371,6 +433,37 @@ void PolyRegression::polynomials_own_r_squared_is_dropped()
     QCOMPARE(after, before);
     QVERIFY(std::memcmp(&kept, g_cfg, sizeof kept) == 0);
     QVERIFY(std::memcmp(&figures, &g_line_rpt, sizeof figures) == 0);
+}
+
+void PolyRegression::opening_writes_a_dump()
+{
+    clear_cell();
+    const HostLog log;
+    const PolyRegressionDialog view(nullptr);
+    const QStringList dumps = QDir("/ram").entryList({"view*.html"}, QDir::Files);
+    QCOMPARE(dumps.size(), 1);
+    QVERIFY(read_file("/ram/" + dumps[0])
+                .startsWith("Spreadsheet Values\n\nD4  - Entered Points = 4\n"));
+    QCOMPARE(log.texts(), QStringList());
+}
+
+void PolyRegression::opened_without_a_place_for_the_dump()
+{
+    clear_cell();
+    const HostLog log;
+    const ReadOnlyFolder closed("/ram");
+    QVERIFY(closed.is_read_only());
+    const PolyRegressionDialog view(nullptr);
+    const QStringList texts = log.texts();
+    QCOMPARE(texts.size(), 1);
+    QVERIFY2(texts[0].startsWith("Unable to write </ram/view") &&
+                 texts[0].endsWith(".html>: Permission denied"),
+             qPrintable(texts[0]));
+    QCOMPARE(QDir("/ram").entryList(QDir::Files), QStringList());
+    QCOMPARE(part<QTableWidget>(&view, "tblCalInfo")->rowCount(), 4);
+    QCOMPARE(label_text(&view, "lblInterceptValue"), QStringLiteral("1.2"));
+    QCOMPARE(label_text(&view, "lblSEEValue"), QStringLiteral("0.632456"));
+    QCOMPARE(label_text(&view, "lblRSquaredValue"), QStringLiteral("0.9"));
 }
 
 void PolyRegression::record_by_the_second_pointer()
