@@ -6,6 +6,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "calibration/tableload.h"
 #include "frame/relaxed.h"
 #include "frame/tablelock.h"
 #include "host/exports.h"
@@ -56,10 +57,11 @@ double evaluate_range(const POLY_RANGE_RECORD &range, double mv)
 {
     POLY_RANGE_RECORD local;
     std::memcpy(&local, &range, sizeof local);
-    const int count = std::clamp<int>(local.num_coeffs, 0, POLY_COEFFS);
+    double coeffs[MAX_POINTS];
+    const int count = load_coefficients(local, coeffs);
     double sum = 0.0;
     for (int i = count - 1; i >= 0; --i)
-        sum = sum * mv + local.coeffs[i];
+        sum = sum * mv + coeffs[i];
     return sum;
 }
 

@@ -103,8 +103,9 @@ void ConvertReading::number_of_coefficients_data()
     QTest::newRow("none gives 0.0") << 0 << 0.0;
     QTest::newRow("one is a constant") << 1 << 1.0;
     QTest::newRow("all that a range holds") << 18 << 18.0;
-    QTest::newRow("more than a range holds") << 19 << 18.0;
-    QTest::newRow("far more") << 32767 << 18.0;
+    QTest::newRow("one more than a range holds: the first x value") << 19 << 1000018.0;
+    QTest::newRow("as many as points: 46 x values") << 64 << 3000018.0;
+    QTest::newRow("far more") << 32767 << 3000018.0;
     QTest::newRow("negative gives 0.0") << -1 << 0.0;
 }
 
@@ -115,6 +116,8 @@ void ConvertReading::number_of_coefficients()
     for (const int r : {0, 3}) {
         std::fill(std::begin(cfg->table.poly[r].coeffs), std::end(cfg->table.poly[r].coeffs), 1.0);
         cfg->table.poly[r].x[0] = 1e6; // what stands behind the coefficients
+        cfg->table.poly[r].x[45] = 2e6;
+        cfg->table.poly[r].x[46] = 1e9;
         cfg->table.poly[r].num_coeffs = static_cast<int16_t>(count);
     }
     QTEST(convert(*cfg, TABLE_POLY, 1.0), "value");
