@@ -5,17 +5,18 @@
 
 #include <cstdlib>
 
-#include <QFile>
+#include <unistd.h>
 
 #include "frame/messagebox.h"
 #include "reports/previousreport.h"
 
-// The window waits for the browser. What the shell makes of the command is not
+// A name of the host may hold bytes that are no text, so the path is looked up as
+// it stands. The window waits for the browser. What the shell makes of the command is not
 // looked at; only that it could be asked.
 void MainWindow::on_actionView_Previous_Calibration_Report_triggered()
 {
     const QByteArray path = previous_report_path(g_cfg->table);
-    if (!QFile::exists(QFile::decodeName(path))) {
+    if (::access(path.constData(), F_OK) != 0) {
         ask(this, QMessageBox::Information, QStringLiteral("No Previous Report"),
             QStringLiteral("No Previous Calibration Report Exists"), QMessageBox::Ok,
             QMessageBox::Ok);

@@ -3,6 +3,7 @@
 // What the window does about a former report, and about a specs file that it
 // cannot read. A script named firefox takes the browser's place.
 #include <csignal>
+#include <cstdio>
 #include <ctime>
 
 #include <QAction>
@@ -16,6 +17,7 @@ namespace
 {
 
 const QString REPORTS = "/cell/tables/reports/";
+const QString CALLED = "/ram/called";
 
 void set_table(const char *name, const QDate &day)
 {
@@ -66,6 +68,7 @@ void PreviousReport::init()
 {
     std::memset(g_specs, 0, sizeof *g_specs);
     QFile::remove(SPECS_FILE);
+    QFile::remove(CALLED);
     QDir(REPORTS).removeRecursively();
     QVERIFY(QDir().mkpath(REPORTS));
     m_programs = std::make_unique<QTemporaryDir>();
@@ -114,13 +117,14 @@ void PreviousReport::action_is_never_shown()
 
 void PreviousReport::no_report()
 {
-    browser("exit 1");
+    browser("echo called >/ram/called");
     BoxAnswerer answerer;
     answerer.expect("No Previous Report", "No Previous Calibration Report Exists");
     trigger();
     QCOMPARE(answerer.met().size(), 1);
     QCOMPARE(answerer.met()[0].buttons, QStringList{"OK"});
     QVERIFY(BoxAnswerer::has_title_bar_only(answerer.met()[0]));
+    QVERIFY(!QFile::exists(CALLED));
 }
 
 // The writer names a report after its own day, the viewer looks for the day of
@@ -128,9 +132,12 @@ void PreviousReport::no_report()
 void PreviousReport::report_of_another_day_is_not_found()
 {
     write_file(REPORTS + "one_03062024.html", "report");
+    browser("echo called >/ram/called");
     BoxAnswerer answerer;
     answerer.expect("No Previous Report", "No Previous Calibration Report Exists");
     trigger();
+    QCOMPARE(answerer.met().size(), 1);
+    QVERIFY(!QFile::exists(CALLED));
 }
 
 void PreviousReport::report_is_given_to_the_browser()
@@ -163,6 +170,7 @@ void PreviousReport::name_that_a_shell_would_interpret_data()
     QTest::newRow("background") << QByteArray("a&b|c<d>e");
     QTest::newRow("pattern") << QByteArray("*?[a]~#!");
     QTest::newRow("UTF-8") << QByteArray("Öldruck");
+    QTest::newRow("no UTF-8") << QByteArray("druck\xd6l\xff");
     QTest::newRow("many quotes") << QByteArray(79, '\'');
 }
 
@@ -171,7 +179,10 @@ void PreviousReport::name_that_a_shell_would_interpret()
     QFETCH(QByteArray, name);
     set_table(name.constData(), QDate(2024, 3, 5));
     const QByteArray path = REPORTS.toLatin1() + name + "_03052024.html";
-    write_file(QFile::decodeName(path), "report");
+    // By its bytes, which no QString can hold for all of the rows.
+    std::FILE *const report = std::fopen(path.constData(), "we");
+    QVERIFY(report != nullptr);
+    std::fclose(report);
     browser("printf '%s\\n' \"$#\" \"$@\" >/ram/arguments");
     const BoxAnswerer answerer;
     trigger();
