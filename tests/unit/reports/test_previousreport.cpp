@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Where the former report is looked for, and the command that shows it.
+#include <ctime>
+
 #include <QDateTime>
 #include <QtTest>
 
@@ -12,12 +14,22 @@ class PreviousReportPath : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void path_has_table_and_day_of_the_last_calibration();
+    void day_is_the_local_one_data();
+    void day_is_the_local_one();
     void path_is_the_writers_on_the_day_of_the_calibration();
     void table_that_was_never_calibrated();
     void command_data();
     void command();
 };
+
+// Far from UTC, so that the two days differ for most of the time.
+void PreviousReportPath::initTestCase()
+{
+    qputenv("TZ", "XST-14");
+    tzset();
+}
 
 void PreviousReportPath::path_has_table_and_day_of_the_last_calibration()
 {
@@ -28,6 +40,27 @@ void PreviousReportPath::path_has_table_and_day_of_the_last_calibration()
         QCOMPARE(previous_report_path(table),
                  QByteArray("/cell/tables/reports/oil_pressure_03052024.html"));
     }
+}
+
+void PreviousReportPath::day_is_the_local_one_data()
+{
+    QTest::addColumn<qint64>("seconds");
+    QTest::addColumn<QByteArray>("day");
+    QTest::newRow("noon of 5 March in UTC") << Q_INT64_C(1709640000) << QByteArray("03062024");
+    QTest::newRow("last second of the local day")
+        << Q_INT64_C(1709632799) << QByteArray("03052024");
+    QTest::newRow("first second of the local day")
+        << Q_INT64_C(1709632800) << QByteArray("03062024");
+}
+
+void PreviousReportPath::day_is_the_local_one()
+{
+    QFETCH(qint64, seconds);
+    QFETCH(QByteArray, day);
+    TABLE_RECORD table = {};
+    qstrncpy(table.table_name, "one", sizeof table.table_name);
+    table.last_cal_time = seconds;
+    QCOMPARE(previous_report_path(table), "/cell/tables/reports/one_" + day + ".html");
 }
 
 void PreviousReportPath::path_is_the_writers_on_the_day_of_the_calibration()
