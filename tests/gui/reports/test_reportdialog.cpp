@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The dialog that asks what becomes of a report.
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QInputDialog>
@@ -149,13 +150,25 @@ void ReportDialogTest::ticking_email_opens_the_list()
 
 void ReportDialogTest::without_email_the_list_stays_out_of_reach()
 {
+    set_emails({"a@cell", "b@cell"});
+    const BoxAnswerer answerer;
     ReportDialog dialog(nullptr, false);
     dialog.show();
     QTest::mouseClick(part_of<QCheckBox>(dialog, "chkEmail"), Qt::LeftButton);
     QTest::keyClick(part_of<QCheckBox>(dialog, "chkEmail"), Qt::Key_Space);
     QVERIFY(!dialog.email_checked());
     QVERIFY(!list_of(dialog)->isEnabled());
-    QVERIFY(!part_of<QPushButton>(dialog, "btnAddEmailAddress")->isEnabled());
+    auto *const add = part_of<QPushButton>(dialog, "btnAddEmailAddress");
+    QVERIFY(!add->isEnabled());
+    add->click();
+    QTest::mouseClick(add, Qt::LeftButton);
+    QTest::keyClick(add, Qt::Key_Space);
+    QVERIFY(answerer.met().isEmpty());
+    QTest::mouseClick(list_of(dialog), Qt::LeftButton);
+    QTest::keyClick(list_of(dialog), Qt::Key_F4);
+    QVERIFY(!list_of(dialog)->view()->isVisible());
+    QTest::keyClick(list_of(dialog), Qt::Key_Down);
+    QCOMPARE(dialog.email_address(), QString("a@cell"));
 }
 
 void ReportDialogTest::empty_list_gives_an_empty_address()
@@ -313,11 +326,17 @@ void ReportDialogTest::duplicate_and_nonsense_are_taken()
     set_emails({"a@cell"});
     const ReportDialog dialog(nullptr, true);
     BoxAnswerer answerer;
-    for (const char *text : {"a@cell", "no address at all", " "}) {
+    for (const char *text : {"a@cell", "no address at all", " ", "@x", "b@cell"}) {
         expect_entry(&answerer, text);
         press_add(dialog);
     }
-    QCOMPARE(listed(dialog), (QStringList{"a@cell", "a@cell", "no address at all", " "}));
+    QCOMPARE(listed(dialog),
+             (QStringList{"a@cell", "a@cell", "no address at all", " ", "@x", "b@cell"}));
+    QVERIFY(read_file(SPECS_FILE).endsWith("\n \n@x\nb@cell\n"));
+    // To the reader "@x" is a keyword, so the list ends before it.
+    QVERIFY(read_specs(g_specs));
+    const ReportDialog next(nullptr, true);
+    QCOMPARE(listed(next), (QStringList{"a@cell", "a@cell", "no address at all", " "}));
 }
 
 void ReportDialogTest::twenty_fifth_address_is_taken()
