@@ -2,7 +2,8 @@
 //
 // The dialog in which the host variables of the test cell's surroundings are
 // named. Built on the caller's stack and run with exec; OK stores the names in
-// g_specs and rewrites the specs file. GUI thread; takes no lock.
+// g_specs and rewrites the specs file. The caller has read the file first: an OK
+// before that empties its list of addresses. GUI thread; takes no lock.
 #ifndef RECORDS_ENVIRONMENTDIALOG_H
 #define RECORDS_ENVIRONMENTDIALOG_H
 

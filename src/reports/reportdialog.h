@@ -3,7 +3,9 @@
 // The dialog that asks what becomes of a report: shown in a browser, sent to an
 // address of the kept list, or both. It yields the choice and does neither.
 // Built on the caller's stack and run with exec; the caller then reads the
-// choice. GUI thread; takes no lock.
+// choice. The caller has read the specs file first: an address that is added
+// rewrites the file from g_specs, which loses the names and addresses that are
+// not in it. GUI thread; takes no lock.
 #ifndef REPORTS_REPORTDIALOG_H
 #define REPORTS_REPORTDIALOG_H
 
