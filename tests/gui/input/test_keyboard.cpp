@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The keyboard by itself: its form, key by key, and what each key does.
-#include <QClipboard>
-#include <QDialog>
-#include <QFrame>
+// The keyboard by itself, key by key, and what each key does.
 #include <QRegularExpressionValidator>
 #include <QtTest>
 
@@ -17,9 +14,6 @@ class TypingPad : public QObject
 
 private slots:
     void init();
-    void window_of_the_keyboard();
-    void form_of_the_keyboard();
-    void nothing_in_it_takes_the_focus();
     void keys_data();
     void keys();
     void no_other_keys();
@@ -30,9 +24,6 @@ private slots:
     void labels_data();
     void labels();
     void function_keys_keep_their_labels();
-    void held_shift_and_caps_lock_can_be_seen();
-    void pressed_key_can_be_seen();
-    void cursor_can_be_seen();
     void cut_at_the_greatest_length();
     void ok_and_enter_send_and_close_data();
     void ok_and_enter_send_and_close();
@@ -41,15 +32,8 @@ private slots:
     void enter_in_several_lines();
     void caps_left_on_at_closing();
     void shift_left_on_at_closing();
-    void echo_mode_of_the_field();
     void validator_of_the_field_judges_nothing();
     void validator_that_goes_away_while_the_keyboard_is_open();
-    void fields_window_stays_the_active_one();
-    void field_that_went_is_not_activated();
-    void long_text_is_bounded();
-    void strange_texts_data();
-    void strange_texts();
-    void keyboard_makes_way_for_a_dialog();
 
 private:
     void open(const QString &text, int max_length = 32767, bool lines = false)
@@ -70,44 +54,6 @@ void TypingPad::init()
         m_sent += value->toString();
         delete value;
     });
-}
-
-void TypingPad::window_of_the_keyboard()
-{
-    QVERIFY(m_pad->isWindow());
-    QCOMPARE(m_pad->parentWidget(), nullptr);
-    QCOMPARE(m_pad->windowType(), Qt::Tool);
-    QVERIFY(m_pad->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    QCOMPARE(m_pad->windowModality(), Qt::WindowModal);
-    QCOMPARE(m_pad->windowTitle(), QStringLiteral("Keyboard"));
-    QCOMPARE(m_pad->minimumSize(), QSize(879, 426));
-    QCOMPARE(m_pad->maximumSize(), QSize(879, 426));
-    QVERIFY(!m_pad->isVisible());
-    // Left open it keeps the program no longer than its window.
-    QVERIFY(!m_pad->testAttribute(Qt::WA_QuitOnClose));
-}
-
-void TypingPad::form_of_the_keyboard()
-{
-    const QLineEdit *value = display(m_pad.get());
-    QCOMPARE(value->geometry(), QRect(QPoint(10, 10), QPoint(870, 50)));
-    QCOMPARE(value->font().pointSize(), 10);
-    QCOMPARE(value->font().weight(), 75);
-    const auto *holder = m_pad->findChild<QFrame *>(QStringLiteral("keyholder"));
-    QCOMPARE(holder->geometry(), QRect(QPoint(10, 60), QPoint(870, 420)));
-    QCOMPARE(holder->frameShape(), QFrame::StyledPanel);
-    QCOMPARE(holder->frameShadow(), QFrame::Raised);
-}
-
-void TypingPad::nothing_in_it_takes_the_focus()
-{
-    QCOMPARE(m_pad->focusPolicy(), Qt::NoFocus);
-    for (const QWidget *widget : m_pad->findChildren<QWidget *>())
-        QVERIFY2(widget->focusPolicy() == Qt::NoFocus, qPrintable(widget->objectName()));
-    open(QStringLiteral("abc"));
-    tap(display(m_pad.get()));
-    tap_key(m_pad.get(), "a");
-    QVERIFY(!display(m_pad.get())->hasFocus());
 }
 
 // The effect is told for the text "ab" with the cursor before the b; a function
@@ -330,57 +276,6 @@ void TypingPad::function_keys_keep_their_labels()
     QCOMPARE(after, before);
 }
 
-void TypingPad::held_shift_and_caps_lock_can_be_seen()
-{
-    open(QString());
-    QVERIFY(QTest::qWaitForWindowActive(m_pad.get()));
-    // The finger is not on it.
-    const auto looks = [this](const char *name) {
-        QPushButton *const button = key(m_pad.get(), name);
-        button->setAttribute(Qt::WA_UnderMouse, false);
-        return button->grab().toImage();
-    };
-    const QImage free_left = looks("lshift");
-    const QImage free_right = looks("rshift");
-    const QImage free_caps = looks("cabs");
-    tap_key(m_pad.get(), "lshift");
-    QVERIFY(looks("lshift") != free_left);
-    QVERIFY(looks("rshift") != free_right);
-    tap_key(m_pad.get(), "a");
-    QCOMPARE(looks("lshift"), free_left);
-    QCOMPARE(looks("rshift"), free_right);
-    tap_key(m_pad.get(), "cabs");
-    QVERIFY(looks("cabs") != free_caps);
-    QCOMPARE(looks("lshift"), free_left);
-    tap_keys(m_pad.get(), "rshift cabs");
-    QCOMPARE(looks("cabs"), free_caps);
-    QCOMPARE(looks("rshift"), free_right);
-}
-
-void TypingPad::pressed_key_can_be_seen()
-{
-    open(QString());
-    QPushButton *const letter = key(m_pad.get(), "a");
-    const QImage before = letter->grab().toImage();
-    letter->setDown(true);
-    QVERIFY(letter->grab().toImage() != before);
-}
-
-// It moves with the keys left and right, so it has to show.
-void TypingPad::cursor_can_be_seen()
-{
-    QApplication::setCursorFlashTime(0); // shows without a break
-    open(QStringLiteral("iii"));
-    QCoreApplication::processEvents();
-    QLineEdit *const value = display(m_pad.get());
-    const QImage at_end = value->grab().toImage();
-    tap_key(m_pad.get(), "left");
-    QVERIFY(value->grab().toImage() != at_end);
-    tap_key(m_pad.get(), "right");
-    QCOMPARE(value->grab().toImage(), at_end);
-    QVERIFY(!value->hasFocus());
-}
-
 void TypingPad::cut_at_the_greatest_length()
 {
     open(QStringLiteral("abcde"), 5);
@@ -462,15 +357,6 @@ void TypingPad::shift_left_on_at_closing()
     QCOMPARE(shown(m_pad.get()), QStringLiteral("!1"));
 }
 
-void TypingPad::echo_mode_of_the_field()
-{
-    m_pad->setEchoMode(QLineEdit::Password);
-    open(QStringLiteral("a"));
-    QVERIFY(display(m_pad.get())->displayText() != QStringLiteral("a"));
-    m_pad->setEchoMode(QLineEdit::Normal);
-    QCOMPARE(display(m_pad.get())->displayText(), QStringLiteral("a"));
-}
-
 void TypingPad::validator_of_the_field_judges_nothing()
 {
     const QRegularExpressionValidator letters(QRegularExpression("[a-z]*"));
@@ -491,100 +377,6 @@ void TypingPad::validator_that_goes_away_while_the_keyboard_is_open()
     letters.reset();
     tap_keys(m_pad.get(), "1 b enter");
     QCOMPARE(m_sent, QStringList("a1b"));
-}
-
-void TypingPad::fields_window_stays_the_active_one()
-{
-    QWidget window;
-    QLineEdit field(&window);
-    window.show();
-    field.setFocus();
-    QTRY_VERIFY(field.hasFocus());
-    open(QStringLiteral("abc"));
-    QTRY_VERIFY(m_pad->windowHandle()->isVisible());
-    QTRY_COMPARE(QApplication::activeWindow(), &window);
-    QTRY_VERIFY(field.hasFocus());
-    m_pad->activateWindow();
-    QTRY_COMPARE(QApplication::activeWindow(), &window);
-    tap_key(m_pad.get(), "d");
-    QVERIFY(field.hasFocus());
-    hardware_keys("hard");
-    QCOMPARE(field.text(), QStringLiteral("hard"));
-    QCOMPARE(shown(m_pad.get()), QStringLiteral("abcd"));
-}
-
-void TypingPad::field_that_went_is_not_activated()
-{
-    {
-        QWidget window;
-        QLineEdit field(&window);
-        window.show();
-        field.setFocus();
-        QTRY_VERIFY(field.hasFocus());
-    }
-    open(QStringLiteral("abc"));
-    m_pad->activateWindow();
-    QTRY_COMPARE(QApplication::activeWindow(), m_pad.get());
-    tap_key(m_pad.get(), "d");
-    QCOMPARE(shown(m_pad.get()), QStringLiteral("abcd"));
-}
-
-void TypingPad::long_text_is_bounded()
-{
-    const QString text(100000, 'x');
-    open(text);
-    QCOMPARE(shown(m_pad.get()).size(), 32767);
-    QGuiApplication::clipboard()->setText(text);
-    display(m_pad.get())->paste();
-    QCOMPARE(shown(m_pad.get()).size(), 32767);
-    tap_keys(m_pad.get(), "left left a backspace backspace lshift b enter");
-    QCOMPARE(m_sent.value(0).size(), 32767 - 1);
-    open(text, 80);
-    display(m_pad.get())->paste();
-    QCOMPARE(shown(m_pad.get()).size(), 80);
-}
-
-void TypingPad::strange_texts_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("line feeds") << "first\nsecond\r\nthird";
-    QTest::newRow("from right to left") << QString::fromUtf8("مرحبا بالعالم");
-    QTest::newRow("both ways") << QString::fromUtf8("Pump שלום 12");
-    QTest::newRow("beyond the basic plane") << QString::fromUtf8("Pump 😀");
-    QTest::newRow("a null character") << QString("a") + QChar(0) + "b";
-}
-
-void TypingPad::strange_texts()
-{
-    QFETCH(QString, text);
-    open(text);
-    QCOMPARE(shown(m_pad.get()), text);
-    tap_keys(m_pad.get(), "a backspace rshift_2");
-    QCOMPARE(m_sent, QStringList(text));
-    open(text);
-    for (int i = 0; i < text.size(); ++i)
-        tap_key(m_pad.get(), "left");
-    QCOMPARE(cursor(), 0);
-    tap_key(m_pad.get(), "x");
-    QCOMPARE(shown(m_pad.get()), "x" + text);
-    tap_keys(m_pad.get(), "clear enter");
-    QCOMPARE(m_sent.last(), QString());
-}
-
-// Under the keyboard the dialog could not be reached, nor the keyboard be closed.
-void TypingPad::keyboard_makes_way_for_a_dialog()
-{
-    open(QStringLiteral("abc"));
-    QDialog dialog;
-    dialog.setModal(true);
-    dialog.show();
-    QTRY_VERIFY(!m_pad->isVisible());
-    QVERIFY(m_sent.isEmpty());
-    open(QStringLiteral("def"));
-    QCoreApplication::processEvents();
-    QVERIFY(m_pad->isVisible());
-    tap_keys(m_pad.get(), "g enter");
-    QCOMPARE(m_sent, QStringList("defg"));
 }
 
 QTEST_MAIN(TypingPad)
