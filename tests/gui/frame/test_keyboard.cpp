@@ -79,7 +79,7 @@ void answer(QDialog *box, const QString &text)
 
 } // namespace
 
-class Keyboard : public QObject
+class WithoutTheMouse : public QObject
 {
     Q_OBJECT
 
@@ -109,7 +109,7 @@ private:
     std::unique_ptr<MouseWatch> m_mouse;
 };
 
-void Keyboard::initTestCase()
+void WithoutTheMouse::initTestCase()
 {
     m_it = std::make_unique<TestWindow>();
     m_mouse = std::make_unique<MouseWatch>();
@@ -117,13 +117,13 @@ void Keyboard::initTestCase()
     QVERIFY(QTest::qWaitForWindowActive(m_it->window, DEADLINE_MS));
 }
 
-void Keyboard::cleanupTestCase()
+void WithoutTheMouse::cleanupTestCase()
 {
     m_mouse.reset();
     m_it.reset();
 }
 
-void Keyboard::names_and_channel()
+void WithoutTheMouse::names_and_channel()
 {
     QCOMPARE(QApplication::focusWidget(), form()->txtCalibrationQIE); // the first focus
     type(QStringLiteral("DWT-12"));
@@ -137,7 +137,7 @@ void Keyboard::names_and_channel()
     QCOMPARE(form()->txtNumPoints->text(), QStringLiteral("5"));
 }
 
-void Keyboard::number_of_points_and_averaging_time()
+void WithoutTheMouse::number_of_points_and_averaging_time()
 {
     QVERIFY(tab_to(form()->txtNumPoints));
     type(QStringLiteral("7")); // over what Tab has selected
@@ -160,7 +160,7 @@ void Keyboard::number_of_points_and_averaging_time()
 
 // The count was changed, which is asked about. Forward it would go through the
 // rows, and a reference that is left takes back that there is something to ask.
-void Keyboard::another_channel()
+void WithoutTheMouse::another_channel()
 {
     BoxAnswerer answerer;
     answerer.expect_dialog(QStringLiteral("Table Information Modified"),
@@ -173,7 +173,7 @@ void Keyboard::another_channel()
 }
 
 // As the window is read: rows before the buttons of the process.
-void Keyboard::order_of_the_tab_key()
+void WithoutTheMouse::order_of_the_tab_key()
 {
     QVector<QWidget *> expected{form()->btnUnits, form()->scrollArea};
     for (int i = 0; i < 3; ++i)
@@ -189,7 +189,7 @@ void Keyboard::order_of_the_tab_key()
 }
 
 // Types over the field, which Tab selects, and presses the button behind it.
-void Keyboard::capture(int i, double mv, double value)
+void WithoutTheMouse::capture(int i, double mv, double value)
 {
     QVERIFY(m_it->reading(mv));
     QVERIFY(tab_to(field(i)));
@@ -203,7 +203,7 @@ void Keyboard::capture(int i, double mv, double value)
 }
 
 // 0.5 kPa off, which is out of adjustment.
-void Keyboard::captured_points()
+void WithoutTheMouse::captured_points()
 {
     const BoxAnswerer answerer;
     const double mv[] = {0.0, 2400.0, 4800.0};
@@ -214,7 +214,7 @@ void Keyboard::captured_points()
     QCOMPARE(form()->btnRecordData->styleSheet(), QLatin1String(STYLE_READY));
 }
 
-void Keyboard::capture_taken_back_and_made_again()
+void WithoutTheMouse::capture_taken_back_and_made_again()
 {
     BoxAnswerer answerer;
     answerer.expect_dialog(QStringLiteral("Undo Action"), [](QDialog *dialog) {
@@ -229,7 +229,8 @@ void Keyboard::capture_taken_back_and_made_again()
 }
 
 // Record Data, the choice so far below the first, the description, Enter.
-void Keyboard::record(BoxAnswerer *answerer, int down, const QString &comment, const char *chosen)
+void WithoutTheMouse::record(BoxAnswerer *answerer, int down, const QString &comment,
+                             const char *chosen)
 {
     answerer->expect_dialog(QStringLiteral("Record Calibration Data"), [&](QDialog *dialog) {
         QTRY_VERIFY_WITH_TIMEOUT(dialog->isActiveWindow(), DEADLINE_MS);
@@ -247,7 +248,7 @@ void Keyboard::record(BoxAnswerer *answerer, int down, const QString &comment, c
     press(Qt::Key_Space);
 }
 
-void Keyboard::recorded_as_found()
+void WithoutTheMouse::recorded_as_found()
 {
     BoxAnswerer answerer;
     record(&answerer, 0, QStringLiteral("as it came"), "rbAsFound");
@@ -259,7 +260,7 @@ void Keyboard::recorded_as_found()
     QCOMPARE(form()->btnAdjustCalibration->styleSheet(), QLatin1String(STYLE_READY));
 }
 
-void Keyboard::adjusted()
+void WithoutTheMouse::adjusted()
 {
     const BoxAnswerer answerer;
     QVERIFY(tab_to(form()->btnAdjustCalibration));
@@ -272,7 +273,7 @@ void Keyboard::adjusted()
 }
 
 // One of the points only: that is asked about, and answered with Yes.
-void Keyboard::verified()
+void WithoutTheMouse::verified()
 {
     capture(1, 2410.0, 48.7);
     QCOMPARE(field(1)->styleSheet(), QLatin1String(status_style(0)));
@@ -289,7 +290,7 @@ void Keyboard::verified()
     QCOMPARE(kinds, (QVector<int>{SAVE_AS_FOUND, SAVE_ADJUSTED, SAVE_VERIFICATION}));
 }
 
-void Keyboard::table_information_and_back()
+void WithoutTheMouse::table_information_and_back()
 {
     BoxAnswerer answerer;
     answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
@@ -301,13 +302,13 @@ void Keyboard::table_information_and_back()
     QCOMPARE(answerer.met().size(), 1);
 }
 
-void Keyboard::no_mouse()
+void WithoutTheMouse::no_mouse()
 {
     QCOMPARE(m_mouse->presses, 0);
 }
 
 // Nothing is left to ask about.
-void Keyboard::left_by_its_key()
+void WithoutTheMouse::left_by_its_key()
 {
     const BoxAnswerer answerer;
     QVERIFY(m_it->window->isVisible());
@@ -315,5 +316,5 @@ void Keyboard::left_by_its_key()
     QVERIFY(!m_it->window->isVisible());
 }
 
-QTEST_MAIN(Keyboard)
+QTEST_MAIN(WithoutTheMouse)
 #include "test_keyboard.moc"
