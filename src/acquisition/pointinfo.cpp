@@ -20,7 +20,8 @@
 
 PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
-      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index), ui(new Ui::PointInfo)
+      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index), counted(false),
+      ui(new Ui::PointInfo)
 {
     ui->setupUi(this);
     if (g_touch_input) {
@@ -179,7 +180,10 @@ void PointInfo::capture()
     POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
     LONG_TABLE &current = g_cfg->long_current;
     const bool grown = state == POINT_NEW;
-    if (grown && current.num_points < MAX_POINTS) {
+    // A retry behind a refusal is no new point: what was counted then still is.
+    if (grown)
+        counted = current.num_points < MAX_POINTS;
+    if (grown && counted) {
         ++current.num_points;
         ++range.num_points;
     }
@@ -223,7 +227,8 @@ void PointInfo::undo()
     current.x[index] = previous_mv;
     range.x[index] = previous_mv;
     const bool was_new = previous_state == POINT_NEW;
-    if (was_new) {
+    // A table that was full has kept its count, and keeps it now.
+    if (was_new && counted) {
         current.num_points = static_cast<int16_t>(qMax(0, current.num_points - 1));
         range.num_points = static_cast<int16_t>(qMax(0, range.num_points - 1));
     }

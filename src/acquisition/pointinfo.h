@@ -69,6 +69,7 @@ private:
 
     MainWindow *main;
     int32_t index;
+    bool counted; // the last capture as a new point has grown the count
     Ui::PointInfo *ui;
 };
 

@@ -158,7 +158,8 @@ void Model::degree_slot()
     TABLE_RECORD &table = session.table;
     const QString text = degree_text();
     if (table.table_type == TABLE_POLY || table.table_type == TABLE_POLY_RANGE)
-        table.poly[range_of(table)].num_coeffs = static_cast<int16_t>(text.toInt() + 1);
+        table.poly[range_of(table)].num_coeffs =
+            static_cast<int16_t>(std::min<int>(text.toInt() + 1, POLY_COEFFS)); // all it holds
     order_text = text;
     update_plot();
     show_coefficients(session);

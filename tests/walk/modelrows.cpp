@@ -129,7 +129,9 @@ void Model::capture(int i)
     Row &row = view.rows[at(i)];
     POLY_RANGE_RECORD &range = session.table.poly[range_of(session.table)];
     const bool grown = row.state == NEW;
-    if (grown && session.current.num_points < TABLE_POINTS) {
+    if (grown)
+        row.counted = session.current.num_points < TABLE_POINTS;
+    if (grown && row.counted) {
         ++session.current.num_points;
         ++range.num_points;
     }
@@ -197,7 +199,7 @@ void Model::undo(int i)
     session.current.x[i] = range.x[i] = row.previous_mv;
     touch(i, true, false);
     const bool was_new = row.previous_state == NEW;
-    if (was_new) {
+    if (was_new && row.counted) { // what was not counted is not taken back
         session.current.num_points =
             static_cast<int16_t>(std::max(0, session.current.num_points - 1));
         range.num_points = static_cast<int16_t>(std::max(0, range.num_points - 1));

@@ -32,6 +32,7 @@ struct Row {
     int previous_status = 0;
     int state = 0;
     int previous_state = 0;
+    bool counted = false; // by the last capture as a new point; not compared
     bool shown = false;
 };
 

@@ -21,6 +21,8 @@ private slots:
     void init();
     void statistics_are_copied_without_the_mutex();
     void undo_leaves_the_rows_own_status();
+    void undo_of_a_full_table_keeps_its_points();
+    void undo_takes_back_one_point_for_each_that_was_counted();
 
 private:
     PointInfo *row(int i) const { return m_it->window->row(i); }
@@ -42,7 +44,8 @@ void Undo::cleanupTestCase()
 void Undo::init()
 {
     m_it->bind_afresh(0);
-    row(1)->state = row(1)->previous_state = POINT_AS_IN_TABLE;
+    for (int i = 0; i < MAX_POINTS; ++i)
+        row(i)->state = row(i)->previous_state = POINT_AS_IN_TABLE;
 }
 
 void Undo::answer_undo(BoxAnswerer *answerer, const char *button)
@@ -91,6 +94,52 @@ void Undo::undo_leaves_the_rows_own_status()
     QCOMPARE(row(1)->value_style(), QLatin1String(STYLE_WHITE));
     QCOMPARE(g_cfg->table.worst_status, uint16_t(0));
     QCOMPARE(row(1)->status, uint16_t(3));
+}
+
+// A count lowered in another channel has left the rows as new ones: they are
+// still that in a table of 64 points, whose count cannot grow.
+void Undo::undo_of_a_full_table_keeps_its_points()
+{
+    m_it->form->txtNumPoints->setText(QStringLiteral("4"));
+    QTest::keyClick(m_it->form->txtNumPoints, Qt::Key_Return);
+    m_it->bind_afresh(8);
+    QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(64));
+    for (int i = 20; i < 23; ++i) {
+        QCOMPARE(row(i)->state, int32_t(POINT_NEW));
+        QVERIFY(m_it->capture(i, 100.0 * i + 50.0, 2.0 * i + 1.0));
+        QCOMPARE(row(i)->previous_state, int32_t(POINT_NEW));
+        QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(64));
+    }
+    for (int i = 20; i < 23; ++i) {
+        BoxAnswerer answerer;
+        answer_undo(&answerer, "btnRevert");
+        m_it->button(i)->click();
+        QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(64));
+        QCOMPARE(g_cfg->long_current.num_points, int16_t(64));
+        QCOMPARE(row(i)->state, int32_t(POINT_NEW));
+        QCOMPARE(row(i)->caption(), QStringLiteral("Capture New"));
+    }
+    QCOMPARE(g_cfg->long_current.x[63], 6300.0);
+}
+
+// The same row, once in a table with room and once in a full one.
+void Undo::undo_takes_back_one_point_for_each_that_was_counted()
+{
+    m_it->form->txtNumPoints->setText(QStringLiteral("6"));
+    QTest::keyClick(m_it->form->txtNumPoints, Qt::Key_Return);
+    QVERIFY(m_it->capture(5, 5500.0, 110.0));
+    QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(6));
+    BoxAnswerer answerer;
+    answer_undo(&answerer, "btnRevert");
+    m_it->button(5)->click();
+    QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(5));
+    QCOMPARE(g_cfg->long_current.num_points, int16_t(5));
+    m_it->bind_afresh(8);
+    QVERIFY(m_it->capture(5, 550.0, 11.0));
+    answer_undo(&answerer, "btnRevert");
+    m_it->button(5)->click();
+    QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(64));
+    QCOMPARE(g_cfg->long_current.num_points, int16_t(64));
 }
 
 QTEST_MAIN(Undo)
