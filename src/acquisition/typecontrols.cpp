@@ -43,6 +43,8 @@ void MainWindow::select_degree(int degree)
 
 void MainWindow::sync_type_controls(const ZERL_CFG *cfg)
 {
+    // The slot of the type comes back here from in here: the inner end must leave
+    // the degree blocked, or filling it would run its slot and fit again.
     const QSignalBlocker blocker(ui->cboOrderOfPolynomial);
     const POLY_RANGE_RECORD &range = cfg->table.poly[range_index(cfg->table)];
     ui->cboOrderOfPolynomial->clear();
@@ -110,7 +112,9 @@ void MainWindow::choose_type_poly()
     g_poly_order_text = ui->cboOrderOfPolynomial->currentText();
     set_range_item_enabled(true);
     ui->cboOrderOfPolynomial->setEnabled(true);
-    ui->coeffFrame->show(); // behind its labels, which are then shown with it at once
+    // Last, with its labels filled: shown before them, each label that appears
+    // would lay the window out anew, at half again the time of the whole switch.
+    ui->coeffFrame->show();
 }
 
 void MainWindow::choose_type_interp()

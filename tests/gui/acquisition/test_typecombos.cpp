@@ -37,6 +37,8 @@ private slots:
     void degree_without_points_is_bounded_too();
     void plot_and_rows_keep_their_place();
     void degree_alone_is_blocked_while_the_controls_follow_the_record();
+    void degree_stays_blocked_behind_the_slot_of_the_type_data();
+    void degree_stays_blocked_behind_the_slot_of_the_type();
 
 private:
     void bind(int channel);
@@ -384,6 +386,36 @@ void TypeCombos::degree_alone_is_blocked_while_the_controls_follow_the_record()
                                        m_it->form->cboPolyRangeIndex})
             QVERIFY(!combo->signalsBlocked());
     }
+}
+
+void TypeCombos::degree_stays_blocked_behind_the_slot_of_the_type_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+    QTest::newRow("to INTERP") << int(TABLE_POLY) << int(TABLE_INTERP);
+    QTest::newRow("to POLY") << int(TABLE_INTERP) << int(TABLE_POLY);
+    QTest::newRow("to POLY_RANGE") << int(TABLE_INTERP) << int(TABLE_POLY_RANGE);
+}
+
+// The slot has followed the record itself by then; the routine that moved the
+// combo of the type has yet to fill the degrees.
+void TypeCombos::degree_stays_blocked_behind_the_slot_of_the_type()
+{
+    QFETCH(int, from);
+    QFETCH(int, to);
+    bind(0);
+    g_cfg->table.table_type = static_cast<uint16_t>(from);
+    m_it->window->sync_type_controls(g_cfg);
+    QVector<bool> blocked;
+    const QObject here; // called behind the window's own slot
+    connect(m_it->form->cboCalType, QOverload<int>::of(&QComboBox::currentIndexChanged), &here,
+            [&] { blocked += m_it->form->cboOrderOfPolynomial->signalsBlocked(); });
+    m_it->window->sync_type_controls(g_cfg);
+    QVERIFY(blocked.isEmpty());
+    g_cfg->table.table_type = static_cast<uint16_t>(to);
+    m_it->window->sync_type_controls(g_cfg);
+    QCOMPARE(blocked, QVector<bool>{true});
+    QVERIFY(!m_it->form->cboOrderOfPolynomial->signalsBlocked());
 }
 
 QTEST_MAIN(TypeCombos)
