@@ -10,6 +10,7 @@
 
 #include "calibration/classification.h"
 #include "gui/calibration/processpanel.h"
+#include "gui/frame/heldmutex.h"
 
 namespace
 {
@@ -61,6 +62,8 @@ private slots:
     void rebuild_that_fails_keeps_the_stamp_and_judges_the_data_in_memory();
     void monitor_thread_samples_on_during_the_rebuild_data() { add_buttons(); }
     void monitor_thread_samples_on_during_the_rebuild();
+    void decision_takes_no_lock_but_for_the_binding_data() { add_buttons(); }
+    void decision_takes_no_lock_but_for_the_binding();
 
 private:
     static void add_buttons()
@@ -342,6 +345,30 @@ void DecisionTails::monitor_thread_samples_on_during_the_rebuild()
     press(adjust);
     g_callbacks.rebind_channel = bind;
     QVERIFY(sampled);
+}
+
+// Another thread holds it, as a pass would, from the press to the point where
+// the rebuild binds the channel anew, which publishes under it.
+void DecisionTails::decision_takes_no_lock_but_for_the_binding()
+{
+    QFETCH(bool, adjust);
+    ready_without_question();
+    static HeldMutex *held;
+    static bool in_time;
+    static int32_t (*bind)(ZERL_CFG *);
+    HeldMutex holder(&m_it->it);
+    held = &holder;
+    in_time = false;
+    bind = g_callbacks.rebind_channel;
+    g_callbacks.rebind_channel = [](ZERL_CFG *cfg) {
+        in_time = held->release();
+        return bind(cfg);
+    };
+    press(adjust);
+    g_callbacks.rebind_channel = bind;
+    QVERIFY(in_time);
+    QCOMPARE(int(ProcessPanel::last_record().last_save_type),
+             int(adjust ? SAVE_ADJUSTED : SAVE_REUSED));
 }
 
 QTEST_MAIN(DecisionTails)

@@ -5,8 +5,11 @@
 #include <QRadioButton>
 #include <QtTest>
 
+#include <qwt_scale_div.h>
+
 #include "calibration/savetypedialog.h"
 #include "frame/styles.h"
+#include "gui/frame/heldmutex.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 
@@ -43,7 +46,9 @@ private slots:
     void as_found_box_of_a_service_without_it();
     void new_correlation_rewrites_the_table();
     void description_is_cut_to_its_field();
-    void plot_is_scaled_anew();
+    void plot_is_replotted_then_scaled_by_itself_data();
+    void plot_is_replotted_then_scaled_by_itself();
+    void recording_takes_no_lock();
 
 private:
     bool capture_all(double error);
@@ -416,16 +421,53 @@ void Recording::description_is_cut_to_its_field()
     QCOMPARE(QString::fromUtf8(g_cfg->table.cal_comment), QString(79, QLatin1Char('x')));
 }
 
-void Recording::plot_is_scaled_anew()
+void Recording::plot_is_replotted_then_scaled_by_itself_data()
+{
+    QTest::addColumn<bool>("recorded");
+    QTest::newRow("Cancel") << false;
+    QTest::newRow("As-Found recorded") << true;
+}
+
+// Whatever the result. The scale that was set takes effect with the replot, and
+// is given up behind it.
+void Recording::plot_is_replotted_then_scaled_by_itself()
+{
+    QFETCH(bool, recorded);
+    QVERIFY(capture_all(0.0));
+    QwtPlot *const plot = m_it->form->dataPlot;
+    plot->setAxisAutoScale(QwtPlot::xBottom);
+    plot->setAxisAutoScale(QwtPlot::yLeft);
+    plot->replot();
+    HeldMutex held(m_it.get()); // no tick replots it
+    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
+        plot->setAxisScale(axis, -7.0, -6.0);
+        QVERIFY(plot->axisScaleDiv(axis).lowerBound() != -7.0);
+    }
+    BoxAnswerer answerer;
+    if (recorded) {
+        press_record("rbAsFound", QString(), &answerer);
+    } else {
+        answerer.expect_dialog(DIALOG, [](QDialog *dialog) { dialog->reject(); });
+        m_it->form->btnRecordData->click();
+    }
+    held.release();
+    QCOMPARE(m_it->form->txtAsFound->text().isEmpty(), !recorded);
+    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
+        QCOMPARE(plot->axisScaleDiv(axis).lowerBound(), -7.0);
+        QVERIFY(plot->axisAutoScale(axis));
+    }
+}
+
+// Another thread holds it, as a pass would, from the press to the record's end.
+void Recording::recording_takes_no_lock()
 {
     QVERIFY(capture_all(0.0));
-    m_it->form->dataPlot->setAxisScale(QwtPlot::xBottom, 0.0, 1.0);
-    m_it->form->dataPlot->setAxisScale(QwtPlot::yLeft, 0.0, 1.0);
+    HeldMutex held(m_it.get());
     BoxAnswerer answerer;
-    answerer.expect_dialog(DIALOG, [](QDialog *dialog) { dialog->reject(); });
-    m_it->form->btnRecordData->click();
-    QVERIFY(m_it->form->dataPlot->axisAutoScale(QwtPlot::xBottom));
-    QVERIFY(m_it->form->dataPlot->axisAutoScale(QwtPlot::yLeft));
+    press_record("rbAsFound", QString(), &answerer);
+    QVERIFY(held.release());
+    QCOMPARE(TestWindow::records_in(QStringLiteral("/cell/tables/one.save")), 1);
+    QVERIFY(is_time(m_it->form->txtAsFound->text()));
 }
 
 QTEST_MAIN(Recording)

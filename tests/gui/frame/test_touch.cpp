@@ -51,6 +51,7 @@ private slots:
     void writing_the_count_runs_the_count_slot();
     void binding_runs_the_count_slot();
     void refused_count_is_told_again_for_the_emptied_field();
+    void capture_of_a_new_point_runs_the_count_slot();
     void giving_a_channel_up_brings_the_box_of_the_count();
     void time_typed_on_the_pad_takes_effect_at_once();
     void refused_time_is_told_once();
@@ -220,6 +221,38 @@ void Touch::refused_count_is_told_again_for_the_emptied_field()
     m_it->form->txtNumPoints->setText(QStringLiteral("65"));
     QCOMPARE(m_it->form->txtNumPoints->text(), QString());
     QCOMPARE(g_num_points, int16_t(5));
+}
+
+// The capture writes the count that it has grown, 5 to 6, and its slot then runs
+// in the midst of it: the rows offered beyond are taken from view, captures made
+// before are counted no more, and the process panel is emptied. The capture itself
+// goes on and is the first one counted again.
+void Touch::capture_of_a_new_point_runs_the_count_slot()
+{
+    m_it->bind_afresh(0);
+    const BoxAnswerer answerer;
+    QVERIFY(m_it->capture(1, 1300.0, 26.5));
+    QCOMPARE(g_captured_points, 1);
+    m_it->form->txtNumPoints->setText(QStringLiteral("8"));
+    QCOMPARE(m_it->rows_shown(), 8);
+    QCOMPARE(g_captured_points, 0);
+    g_captured_points = 1; // as if row 2 still counted
+    m_it->form->txtAsFound->setText(QStringLiteral("01/02/2024 03:04:05"));
+    QVERIFY(m_it->capture(5, 5500.0, 110.0));
+    QCOMPARE(m_it->form->txtNumPoints->text(), QStringLiteral("6"));
+    QCOMPARE(g_num_points, int16_t(6));
+    QCOMPARE(m_it->rows_shown(), 6);
+    QCOMPARE(g_cfg->long_current.num_points, int16_t(6));
+    QCOMPARE(g_cfg->table.poly[0].num_points, int16_t(6));
+    QCOMPARE(g_captured_points, 1);
+    QCOMPARE(m_it->window->row(5)->caption(), QStringLiteral("Undo"));
+    QCOMPARE(m_it->window->row(5)->state, int32_t(POINT_CAPTURED));
+    QCOMPARE(m_it->window->row(1)->caption(), QStringLiteral("Undo"));
+    QCOMPARE(g_cfg->long_current.x[5], 5500.0);
+    QCOMPARE(g_cfg->long_current.y[5], 110.0);
+    QCOMPARE(m_it->form->txtAsFound->text(), QString());
+    QCOMPARE(g_cfg->table_dirty, uint16_t(1));
+    QVERIFY(answerer.met().isEmpty());
 }
 
 void Touch::giving_a_channel_up_brings_the_box_of_the_count()
