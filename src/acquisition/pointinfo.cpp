@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "acquisition/pointinfo.h"
 
-#include <QDoubleValidator>
 #include <QEvent>
 
 #include "acquisition/undodialog.h"
@@ -9,6 +8,7 @@
 #include "calibration/process.h"
 #include "frame/functions.h"
 #include "frame/mainwindow.h"
+#include "frame/numbervalidator.h"
 #include "frame/relaxed.h"
 #include "frame/styles.h"
 #include "frame/tablelock.h"
@@ -25,9 +25,7 @@ PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent
 {
     ui->setupUi(this);
     if (g_touch_input) {
-        auto *validator = new QDoubleValidator(ui->txtCurrentValue);
-        validator->setLocale(number_locale());
-        ui->txtCurrentValue->setValidator(validator);
+        ui->txtCurrentValue->setValidator(new NumberValidator(ui->txtCurrentValue));
         ui->txtCurrentValue->setProperty("keyboard", true);
         ui->txtCurrentValue->installEventFilter(this);
     }

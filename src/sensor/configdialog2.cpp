@@ -3,12 +3,12 @@
 
 #include <ctime>
 
-#include <QDoubleValidator>
 #include <QEvent>
 #include <QMessageBox>
 
 #include "frame/functions.h"
 #include "frame/messagebox.h"
+#include "frame/numbervalidator.h"
 #include "frame/zerl_callbacks.h"
 #include "frame/zerl_cfg.h"
 #include "host/operations.h"
@@ -66,8 +66,7 @@ void ConfigDialog2::set_up_touch_input()
         field->setProperty("keyboard", true);
         field->installEventFilter(this);
     }
-    auto *const validator = new QDoubleValidator(this);
-    validator->setLocale(number_locale());
+    auto *const validator = new NumberValidator(this);
     ui->txtLowerRangeLimit->setValidator(validator);
     ui->txtUpperRangeLimit->setValidator(validator);
 }

@@ -47,6 +47,8 @@ private slots:
     void whole_number_with_a_period_cannot_leave_the_pad();
     void reference_goes_to_the_table();
     void row_starts_the_pad_with_its_number();
+    void padded_reference_is_corrected_with_a_real_keyboard();
+    void padded_limit_is_corrected_with_a_real_keyboard();
     void escape_leaves_the_reference();
     void description_goes_into_the_record();
     void limits_are_judged_at_ok();
@@ -304,6 +306,46 @@ void Owners::row_starts_the_pad_with_its_number()
     tap_keys(pad(true), QStringLiteral("7"));
     QCOMPARE(shown(pad(true)), QStringLiteral("7"));
     tap_key(pad(true), QStringLiteral("escape"));
+}
+
+// The window writes the value with blanks before it. Letters stay out, and
+// Return finishes the edit.
+void Owners::padded_reference_is_corrected_with_a_real_keyboard()
+{
+    QLineEdit *const field = m_it->window->row(1)->value_field();
+    const QString written = field->text();
+    QVERIFY2(written.startsWith(QLatin1Char(' ')), qPrintable(written));
+    const double before = g_cfg->long_current.y[1];
+    QVERIFY(before != 0.0);
+    field->setFocus();
+    QTRY_VERIFY(field->hasFocus());
+    field->end(false);
+    hardware_keys("a7b-x");
+    QCOMPARE(field->text(), written + QLatin1Char('7'));
+    QTest::keyClick(QGuiApplication::focusWindow(), Qt::Key_Return);
+    const double value = (written + QLatin1Char('7')).toDouble();
+    QVERIFY(value != before);
+    QCOMPARE(g_cfg->long_current.y[1], value);
+    QCOMPARE(g_cfg->table.poly[0].y[1], value);
+}
+
+void Owners::padded_limit_is_corrected_with_a_real_keyboard()
+{
+    bool worked = false;
+    with_field(QStringLiteral("ConfigDialog2"), QStringLiteral("txtLowerRangeLimit"),
+               [&](QLineEdit *field) {
+                   QVERIFY(QTest::qWaitForWindowActive(field->window()));
+                   const QString written = field->text();
+                   QVERIFY2(written.startsWith(QLatin1Char(' ')), qPrintable(written));
+                   field->setFocus();
+                   QTRY_VERIFY(field->hasFocus());
+                   field->end(false);
+                   hardware_keys("a7b-x");
+                   QCOMPARE(field->text(), written + QLatin1Char('7'));
+                   QVERIFY(field->hasAcceptableInput());
+                   worked = true;
+               });
+    QVERIFY(worked);
 }
 
 void Owners::escape_leaves_the_reference()
