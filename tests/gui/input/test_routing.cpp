@@ -19,6 +19,27 @@ namespace
 {
 const auto ASKED = QEvent::RequestSoftwareInputPanel;
 const auto CLOSED = QEvent::CloseSoftwareInputPanel;
+
+// Counts what it is shown of one object.
+class CountingDevice : public InputDevice
+{
+public:
+    CountingDevice(const QObject *watched, int *count)
+        : InputDevice(QStringLiteral("Owner")), m_watched(watched), m_count(count)
+    {
+    }
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (object == m_watched)
+            ++*m_count;
+        return InputDevice::eventFilter(object, event);
+    }
+
+private:
+    const QObject *m_watched;
+    int *m_count;
+};
+
 } // namespace
 
 class Routing : public QObject
@@ -28,6 +49,7 @@ class Routing : public QObject
 private slots:
     void init();
     void device();
+    void every_event_of_the_application_is_seen();
     void numbers_of_the_events();
     void operations_without_a_caller();
     void signal_that_nothing_emits();
@@ -76,6 +98,21 @@ void Routing::device()
     QVERIFY(!open());
     QCOMPARE(m_device->keyboard->parent(), nullptr);
     QCOMPARE(m_device->numpad->parent(), nullptr);
+}
+
+void Routing::every_event_of_the_application_is_seen()
+{
+    QObject unrelated;
+    int count = 0;
+    QEvent event(QEvent::User);
+    {
+        const CountingDevice device(&unrelated, &count);
+        QCoreApplication::sendEvent(&unrelated, &event);
+        QCOMPARE(count, 1);
+    }
+    count = 0;
+    QCoreApplication::sendEvent(&unrelated, &event);
+    QCOMPARE(count, 0);
 }
 
 void Routing::numbers_of_the_events()
