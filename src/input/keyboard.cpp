@@ -5,6 +5,7 @@
 #include <QFocusEvent>
 #include <QPushButton>
 
+#include "input/sentvalue.h"
 #include "ui_keyboard.h"
 
 Keyboard::Keyboard()
@@ -195,7 +196,7 @@ void Keyboard::escapeClicked()
 
 void Keyboard::okClicked()
 {
-    emit dataSet(new QVariant(ui->edValue->text()));
+    emit dataSet(sent_value(ui->edValue->text()));
     close();
 }
 

@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QPushButton>
 
+#include "input/sentvalue.h"
 #include "ui_numpad.h"
 
 Numpad::Numpad(QWidget *parent)
@@ -165,7 +166,7 @@ void Numpad::enterClicked()
         text.chop(period.size());
         show_text(text);
     }
-    emit dataSet(new QVariant(text));
+    emit dataSet(sent_value(text));
     close();
 }
 
