@@ -81,9 +81,11 @@ bool Keyboard::event(QEvent *event)
             last_focus->activateWindow();
         break;
     case QEvent::WindowBlocked:
-        // A dialog that opens now would lie under the keyboard, which it would
-        // keep from being used: the keyboard makes way, without a result.
-        QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
+        blocked = true;
+        QMetaObject::invokeMethod(this, &Keyboard::make_way, Qt::QueuedConnection);
+        break;
+    case QEvent::WindowUnblocked:
+        blocked = false;
         break;
     case QEvent::Show:
     case QEvent::Hide:
@@ -93,6 +95,15 @@ bool Keyboard::event(QEvent *event)
         break;
     }
     return QWidget::event(event);
+}
+
+// A dialog that has opened would lie under the keyboard, which it keeps from
+// being used: the keyboard closes, without a result. It stays when it was opened
+// anew meanwhile, for a field of that dialog.
+void Keyboard::make_way()
+{
+    if (blocked)
+        close();
 }
 
 // A line edit draws its cursor when it is told that it has the focus, which the

@@ -63,11 +63,13 @@ private:
     void update_labels();
     void insert_text(const QString &text);
     void show_cursor(bool visible);
+    void make_way();
 
     QObjectList buttons;
     bool shift = false; // for one character
     bool caps = false;
     bool multi_line = false;
+    bool blocked = false; // by a modal dialog
     QPointer<QWidget> last_focus;
     std::unique_ptr<Ui::Keyboard> ui;
 };

@@ -66,13 +66,23 @@ void Numpad::setEchoMode(QLineEdit::EchoMode mode)
     ui->edValue->setEchoMode(mode);
 }
 
-// A dialog that opens now would lie under the pad, which it would keep from
-// being used: the pad makes way, without a result.
 bool Numpad::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowBlocked)
-        QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
+    if (event->type() == QEvent::WindowBlocked) {
+        blocked = true;
+        QMetaObject::invokeMethod(this, &Numpad::make_way, Qt::QueuedConnection);
+    } else if (event->type() == QEvent::WindowUnblocked)
+        blocked = false;
     return QWidget::event(event);
+}
+
+// A dialog that has opened would lie under the pad, which it keeps from being
+// used: the pad closes, without a result. It stays when it was opened anew
+// meanwhile, for a field of that dialog.
+void Numpad::make_way()
+{
+    if (blocked)
+        close();
 }
 
 void Numpad::clear_if_first()

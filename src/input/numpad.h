@@ -34,6 +34,8 @@ public:
     // and may go away while the pad is open; without one any text is taken.
     void setData(const QVariant &value, const QValidator *text_validator);
     void setEchoMode(QLineEdit::EchoMode mode);
+    // The widget outside the pad that had the focus last, or null.
+    QWidget *last_focused() const { return last_focus; }
 
 signals:
     // The result. Nobody frees the value: a receiver may keep the pointer.
@@ -58,11 +60,13 @@ private:
     void clear_if_first();
     void show_text(const QString &text);
     void check_value();
+    void make_way();
 
     std::unique_ptr<Ui::Numpad> ui;
     QObjectList buttons;
     QPointer<const QValidator> validator;
     bool clear_on_key = false; // the next key replaces the text
+    bool blocked = false;      // by a modal dialog
     QPointer<QWidget> last_focus;
     QPalette normal_palette;
 };

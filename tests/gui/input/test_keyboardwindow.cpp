@@ -27,6 +27,7 @@ private slots:
     void fields_window_stays_the_active_one();
     void field_that_went_is_not_activated();
     void keyboard_makes_way_for_a_dialog();
+    void dialog_that_goes_at_once_leaves_the_keyboard();
     void long_text_is_bounded();
     void strange_texts_data();
     void strange_texts();
@@ -163,6 +164,11 @@ void TypingWindow::fields_window_stays_the_active_one()
     QTRY_VERIFY(field.hasFocus());
     m_pad->activateWindow();
     QTRY_COMPARE(QApplication::activeWindow(), &window);
+    // A focus in the keyboard itself is none to go back to.
+    QMetaObject::invokeMethod(m_pad.get(), "saveFocusWidget", Q_ARG(QWidget *, nullptr),
+                              Q_ARG(QWidget *, display(m_pad.get())));
+    m_pad->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), &window);
     tap_key(m_pad.get(), "d");
     QVERIFY(field.hasFocus());
     hardware_keys("hard");
@@ -200,6 +206,19 @@ void TypingWindow::keyboard_makes_way_for_a_dialog()
     QVERIFY(m_pad->isVisible());
     tap_keys(m_pad.get(), "g enter");
     QCOMPARE(m_sent, QStringList("defg"));
+}
+
+void TypingWindow::dialog_that_goes_at_once_leaves_the_keyboard()
+{
+    open(QStringLiteral("abc"));
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.show();
+    dialog.hide();
+    QCoreApplication::processEvents();
+    QVERIFY(m_pad->isVisible());
+    tap_keys(m_pad.get(), "d enter");
+    QCOMPARE(m_sent, QStringList("abcd"));
 }
 
 void TypingWindow::long_text_is_bounded()

@@ -45,6 +45,8 @@ private slots:
     void strange_texts();
     void echo_mode_of_the_field();
     void pad_makes_way_for_a_dialog();
+    void dialog_that_goes_at_once_leaves_the_pad();
+    void focus_outside_the_pad_is_kept();
     void pressed_key_can_be_seen();
 
 private:
@@ -423,6 +425,40 @@ void NumberPad::pad_makes_way_for_a_dialog()
     QVERIFY(m_pad->isVisible());
     tap_keys(m_pad.get(), "7 enter");
     QCOMPARE(m_sent, QStringList("7"));
+}
+
+void NumberPad::dialog_that_goes_at_once_leaves_the_pad()
+{
+    m_pad->setData(QStringLiteral("5"), &m_doubles);
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.show();
+    dialog.hide();
+    QCoreApplication::processEvents();
+    QVERIFY(m_pad->isVisible());
+    tap_keys(m_pad.get(), "6 enter");
+    QCOMPARE(m_sent, QStringList("6"));
+}
+
+void NumberPad::focus_outside_the_pad_is_kept()
+{
+    QCOMPARE(m_pad->last_focused(), nullptr);
+    {
+        QWidget window;
+        QLineEdit field(&window);
+        window.show();
+        field.setFocus();
+        QTRY_COMPARE(m_pad->last_focused(), &field);
+        const auto focus_goes_to = [this](QWidget *widget) {
+            QMetaObject::invokeMethod(m_pad.get(), "saveFocusWidget", Q_ARG(QWidget *, nullptr),
+                                      Q_ARG(QWidget *, widget));
+        };
+        focus_goes_to(display(m_pad.get()));
+        QCOMPARE(m_pad->last_focused(), &field);
+        focus_goes_to(nullptr);
+        QCOMPARE(m_pad->last_focused(), &field);
+    }
+    QCOMPARE(m_pad->last_focused(), nullptr);
 }
 
 void NumberPad::pressed_key_can_be_seen()
