@@ -123,6 +123,8 @@ void InputDevice::close_pads()
 
 void InputDevice::center_pads()
 {
+    // Its place too: in a cell with several screens the primary one may stand right
+    // of another, and half its size alone would be a place on that one.
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
     for (QWidget *pad : {static_cast<QWidget *>(keyboard), static_cast<QWidget *>(numpad)})
         pad->move(screen.x() + screen.width() / 2 - pad->width() / 2,
