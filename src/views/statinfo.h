@@ -16,8 +16,8 @@ class StatInfo : public QWidget
     Q_OBJECT
 
 public:
-    // `index` counts from 0 and is shown counting from 1.
-    StatInfo(int16_t index, QWidget *parent);
+    // `row` counts from 0 and is shown counting from 1.
+    StatInfo(int16_t row, QWidget *parent);
     ~StatInfo() override;
 
     int16_t row_index() const { return index; }
