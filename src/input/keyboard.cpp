@@ -5,6 +5,7 @@
 #include <QFocusEvent>
 #include <QPushButton>
 
+#include "input/padkeys.h"
 #include "input/sentvalue.h"
 #include "ui_keyboard.h"
 
@@ -22,10 +23,7 @@ Keyboard::~Keyboard() = default;
 
 void Keyboard::connect_keys()
 {
-    static const struct {
-        QLatin1String name;
-        void (Keyboard::*slot)();
-    } functions[] = {
+    static const PadFunction<Keyboard> functions[] = {
         {QLatin1String("shift"), &Keyboard::shiftClicked},
         {QLatin1String("caps"), &Keyboard::capsClicked},
         {QLatin1String("enter"), &Keyboard::enterClicked},
@@ -38,20 +36,7 @@ void Keyboard::connect_keys()
         {QLatin1String("left"), &Keyboard::leftClicked},
         {QLatin1String("right"), &Keyboard::rightClicked},
     };
-    for (QObject *child : qAsConst(buttons)) {
-        auto *const key = qobject_cast<QPushButton *>(child);
-        if (key == nullptr)
-            continue;
-        const int mode = key->property("btnMode").toInt();
-        if (mode == 0 || mode == 1)
-            connect(key, &QPushButton::clicked, this, &Keyboard::buttonClicked);
-        if (mode != 2)
-            continue;
-        for (const auto &function : functions) {
-            if (key->property("btnNormal").toString() == function.name)
-                connect(key, &QPushButton::clicked, this, function.slot);
-        }
-    }
+    connect_pad_keys(this, buttons, &Keyboard::buttonClicked, functions);
 }
 
 void Keyboard::setData(const QVariant &value, int max_length, bool lines)

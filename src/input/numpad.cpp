@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QPushButton>
 
+#include "input/padkeys.h"
 #include "input/sentvalue.h"
 #include "ui_numpad.h"
 
@@ -25,10 +26,7 @@ Numpad::~Numpad() = default;
 
 void Numpad::connect_keys()
 {
-    static const struct {
-        QLatin1String name;
-        void (Numpad::*slot)();
-    } functions[] = {
+    static const PadFunction<Numpad> functions[] = {
         {QLatin1String("ok"), &Numpad::enterClicked},
         {QLatin1String("escape"), &Numpad::escapeClicked},
         {QLatin1String("clear"), &Numpad::clearClicked},
@@ -36,20 +34,7 @@ void Numpad::connect_keys()
         {QLatin1String("period"), &Numpad::periodClicked},
         {QLatin1String("pm"), &Numpad::pmClicked},
     };
-    for (QObject *child : qAsConst(buttons)) {
-        auto *const key = qobject_cast<QPushButton *>(child);
-        if (key == nullptr)
-            continue;
-        const int mode = key->property("btnMode").toInt();
-        if (mode == 0 || mode == 1)
-            connect(key, &QPushButton::clicked, this, &Numpad::buttonClicked);
-        if (mode != 2)
-            continue;
-        for (const auto &function : functions) {
-            if (key->property("btnNormal").toString() == function.name)
-                connect(key, &QPushButton::clicked, this, function.slot);
-        }
-    }
+    connect_pad_keys(this, buttons, &Numpad::buttonClicked, functions);
 }
 
 void Numpad::setData(const QVariant &value, const QValidator *text_validator)

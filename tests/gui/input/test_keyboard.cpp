@@ -50,10 +50,7 @@ void TypingPad::init()
 {
     m_pad = std::make_unique<Keyboard>();
     m_sent.clear();
-    connect(m_pad.get(), &Keyboard::dataSet, this, [this](QVariant *value) {
-        m_sent += value->toString();
-        delete value;
-    });
+    note_sent(m_pad.get(), &m_sent);
 }
 
 // The effect is told for the text "ab" with the cursor before the b; a function

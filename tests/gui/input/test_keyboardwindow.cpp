@@ -47,10 +47,7 @@ void TypingWindow::init()
 {
     m_pad = std::make_unique<Keyboard>();
     m_sent.clear();
-    connect(m_pad.get(), &Keyboard::dataSet, this, [this](QVariant *value) {
-        m_sent += value->toString();
-        delete value;
-    });
+    note_sent(m_pad.get(), &m_sent);
 }
 
 void TypingWindow::window_of_the_keyboard()

@@ -62,10 +62,7 @@ void NumberPad::init()
     m_whole.setLocale(QLocale::c());
     m_pad = std::make_unique<Numpad>();
     m_sent.clear();
-    connect(m_pad.get(), &Numpad::dataSet, this, [this](QVariant *value) {
-        m_sent += value->toString();
-        delete value;
-    });
+    note_sent(m_pad.get(), &m_sent);
 }
 
 void NumberPad::window_of_the_pad()

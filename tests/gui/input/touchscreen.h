@@ -102,4 +102,13 @@ inline QString shown(const QWidget *pad)
 
 } // namespace touchscreen
 
+// Notes each text that the pad sends in `texts`, and takes the value over.
+template <class Pad> void note_sent(Pad *pad, QStringList *texts)
+{
+    QObject::connect(pad, &Pad::dataSet, pad, [texts](QVariant *value) {
+        texts->append(value->toString());
+        delete value;
+    });
+}
+
 #endif
