@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "support/boxanswerer.h"
+#include "support/testmain.h"
 
 class BoxAnswererTest : public QObject
 {
@@ -176,5 +177,5 @@ void BoxAnswererTest::box_that_never_came()
     QCOMPARE(faults, QStringList{"no box came: Title: Text"});
 }
 
-QTEST_MAIN(BoxAnswererTest)
+WINDOW_TEST(BoxAnswererTest);
 #include "test_boxanswerer.moc"

@@ -11,6 +11,7 @@
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "sensor/tolerances.h"
+#include "support/testmain.h"
 
 class Binding : public QObject
 {
@@ -367,5 +368,5 @@ void Binding::table_is_read_and_published_under_the_mutex()
     QVERIFY(m_it->mutex_is_free());
 }
 
-QTEST_MAIN(Binding)
+WINDOW_TEST(Binding);
 #include "test_binding.moc"

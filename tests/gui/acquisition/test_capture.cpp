@@ -6,6 +6,7 @@
 #include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -474,5 +475,5 @@ void Capture::captured_point_is_in_no_file()
     QVERIFY(!QFile::exists(QStringLiteral("/cell/tables/zero.save")));
 }
 
-QTEST_MAIN(Capture)
+WINDOW_TEST(Capture);
 #include "test_capture.moc"

@@ -5,6 +5,7 @@
 
 #include "frame/hostlink.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class ChannelList : public QObject
 {
@@ -190,5 +191,5 @@ void ChannelList::channel_that_went_away_keeps_the_old_table()
     QCOMPARE(QString::fromUtf8(g_cfg->table.table_name), QStringLiteral("one"));
 }
 
-QTEST_MAIN(ChannelList)
+WINDOW_TEST(ChannelList);
 #include "test_channellist.moc"

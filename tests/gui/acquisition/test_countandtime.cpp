@@ -8,6 +8,7 @@
 #include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -377,5 +378,5 @@ void CountAndTime::number_of_samples()
     }
 }
 
-QTEST_MAIN(CountAndTime)
+WINDOW_TEST(CountAndTime);
 #include "test_countandtime.moc"

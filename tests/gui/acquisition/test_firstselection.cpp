@@ -10,6 +10,7 @@
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 class FirstSelection : public QObject
 {
@@ -146,5 +147,5 @@ void FirstSelection::later_pick_of_no_channel_is_refused_and_reads_the_channel_a
     QCOMPARE(m_it->rows_shown(), 3);
 }
 
-QTEST_MAIN(FirstSelection)
+WINDOW_TEST(FirstSelection);
 #include "test_firstselection.moc"

@@ -12,6 +12,7 @@
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "sensor/configdialog2.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -297,5 +298,5 @@ void GiveUp::dialog_accepted_with_a_reason_gives_the_channel_up()
     QVERIFY(m_it->window->curves_are_removed());
 }
 
-QTEST_MAIN(GiveUp)
+WINDOW_TEST(GiveUp);
 #include "test_giveup.moc"

@@ -6,6 +6,7 @@
 
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -219,5 +220,5 @@ void LeaveQuestions::the_first_box_is_the_only_one()
     QCOMPARE(g_cfg->channel, int16_t(1));
 }
 
-QTEST_MAIN(LeaveQuestions)
+WINDOW_TEST(LeaveQuestions);
 #include "test_leavequestions.moc"

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class ManyChannels : public QObject
 {
@@ -32,5 +33,5 @@ void ManyChannels::full_list_comes_up_without_signals()
     QCOMPARE(it.item_of(32766), 32767);
 }
 
-QTEST_MAIN(ManyChannels)
+WINDOW_TEST(ManyChannels);
 #include "test_manychannels.moc"

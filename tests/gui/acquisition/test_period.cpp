@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -51,5 +52,5 @@ void Period::ten_passes_a_second_and_no_mutex_while_asleep()
     QVERIFY(free);
 }
 
-QTEST_MAIN(Period)
+WINDOW_TEST(Period);
 #include "test_period.moc"

@@ -8,6 +8,7 @@
 
 #include "acquisition/undodialog.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class Rows : public QObject
 {
@@ -331,5 +332,5 @@ void Rows::edited_reference_goes_to_the_range_in_work()
     QCOMPARE(g_cfg->long_current.y[0], 41.0);
 }
 
-QTEST_MAIN(Rows)
+WINDOW_TEST(Rows);
 #include "test_rows.moc"

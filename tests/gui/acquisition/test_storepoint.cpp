@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -201,5 +202,5 @@ void StorePoint::point_is_written_under_the_mutex()
     QVERIFY(m_it->mutex_is_free());
 }
 
-QTEST_MAIN(StorePoint)
+WINDOW_TEST(StorePoint);
 #include "test_storepoint.moc"

@@ -7,6 +7,7 @@
 #include "frame/tablelock.h"
 #include "gui/acquisition/combowatch.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 class TypeCombos : public QObject
 {
@@ -418,5 +419,5 @@ void TypeCombos::degree_stays_blocked_behind_the_slot_of_the_type()
     QVERIFY(!m_it->form->cboOrderOfPolynomial->signalsBlocked());
 }
 
-QTEST_MAIN(TypeCombos)
+WINDOW_TEST(TypeCombos);
 #include "test_typecombos.moc"

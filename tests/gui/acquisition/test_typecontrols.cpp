@@ -8,6 +8,7 @@
 #include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class TypeControls : public QObject
 {
@@ -264,5 +265,5 @@ void TypeControls::degree_sets_the_number_of_coefficients()
              QString::number(g_cfg->table.poly[0].coeffs[0], 'g', 6));
 }
 
-QTEST_MAIN(TypeControls)
+WINDOW_TEST(TypeControls);
 #include "test_typecontrols.moc"

@@ -11,6 +11,7 @@
 #include "gui/acquisition/combowatch.h"
 #include "host/operations.h"
 #include "hostsim/runtime/tablefile.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -228,5 +229,5 @@ void TypeOrder::range_combo_left_at_another_range()
     QCOMPARE(m_it->rows_shown(), 0);
 }
 
-QTEST_MAIN(TypeOrder)
+WINDOW_TEST(TypeOrder);
 #include "test_typeorder.moc"

@@ -5,6 +5,7 @@
 
 #include "frame/styles.h"
 #include "gui/frame/heldmutex.h"
+#include "support/testmain.h"
 
 class Undo : public QObject
 {
@@ -122,5 +123,5 @@ void Undo::undo_takes_back_one_point_for_each_that_was_counted()
     QCOMPARE(g_cfg->long_current.num_points, int16_t(64));
 }
 
-QTEST_MAIN(Undo)
+WINDOW_TEST(Undo);
 #include "test_undo.moc"

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "gui/calibration/processpanel.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -125,5 +126,5 @@ void DecisionRows::decision()
     }
 }
 
-QTEST_MAIN(DecisionRows)
+WINDOW_TEST(DecisionRows);
 #include "test_decisionrows.moc"

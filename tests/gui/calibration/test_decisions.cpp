@@ -9,6 +9,7 @@
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -231,5 +232,5 @@ void Decisions::plot_is_scaled_anew()
     QVERIFY(m_it->form->dataPlot->axisAutoScale(QwtPlot::yLeft));
 }
 
-QTEST_MAIN(Decisions)
+WINDOW_TEST(Decisions);
 #include "test_decisions.moc"

@@ -11,6 +11,7 @@
 #include "calibration/classification.h"
 #include "gui/calibration/processpanel.h"
 #include "gui/frame/heldmutex.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -371,5 +372,5 @@ void DecisionTails::decision_takes_no_lock_but_for_the_binding()
              int(adjust ? SAVE_ADJUSTED : SAVE_REUSED));
 }
 
-QTEST_MAIN(DecisionTails)
+WINDOW_TEST(DecisionTails);
 #include "test_decisiontails.moc"

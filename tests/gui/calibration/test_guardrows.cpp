@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "gui/calibration/processpanel.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -170,5 +171,5 @@ void GuardRows::leaving_asks()
     QVERIFY(!QFile::exists(QStringLiteral("/cell/tables/one.save")));
 }
 
-QTEST_MAIN(GuardRows)
+WINDOW_TEST(GuardRows);
 #include "test_guardrows.moc"

@@ -11,6 +11,7 @@
 #include "calibration/judgedrows.h"
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -231,5 +232,5 @@ void JudgedRows::rows_above_the_count_are_not_rejudged()
     QCOMPARE(m_it->window->row(4)->value_style(), QStringLiteral("background-color: rgb(0,255,0)"));
 }
 
-QTEST_MAIN(JudgedRows)
+WINDOW_TEST(JudgedRows);
 #include "test_judgedrows.moc"

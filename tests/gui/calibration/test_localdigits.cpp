@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class LocalDigits : public QObject
 {
@@ -41,7 +42,7 @@ void LocalDigits::times_of_the_process_boxes()
     QCOMPARE(text.right(2).toInt(), moment.time().second());
 }
 
-int main(int argc, char **argv)
+static int run(int argc, char **argv)
 {
     // Before Qt looks; the language needs no support of the C library.
     qputenv("LC_ALL", "ar_EG.UTF-8");
@@ -49,4 +50,5 @@ int main(int argc, char **argv)
     LocalDigits test;
     return QTest::qExec(&test, argc, argv);
 }
+TEST_WITH_MAIN(run);
 #include "test_localdigits.moc"

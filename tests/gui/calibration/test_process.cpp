@@ -6,6 +6,7 @@
 #include "calibration/process.h"
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class Process : public QObject
 {
@@ -231,5 +232,5 @@ void Process::captions_cleared_after_a_step()
     QCOMPARE(m_it->form->btnRecordData->styleSheet(), QLatin1String(STYLE_IDLE));
 }
 
-QTEST_MAIN(Process)
+WINDOW_TEST(Process);
 #include "test_process.moc"

@@ -5,6 +5,7 @@
 
 #include "calibration/process.h"
 #include "gui/calibration/processpanel.h"
+#include "support/testmain.h"
 
 class ProcessEdges : public QObject
 {
@@ -262,5 +263,5 @@ void ProcessEdges::two_decisions_look_alike_and_differ_in_the_archive()
     QCOMPARE(types[1], int(SAVE_REUSED));
 }
 
-QTEST_MAIN(ProcessEdges)
+WINDOW_TEST(ProcessEdges);
 #include "test_processedges.moc"

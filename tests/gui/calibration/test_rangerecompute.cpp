@@ -10,6 +10,7 @@
 #include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
 #include "gui/views/plotlook.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -313,5 +314,5 @@ void RangeRecompute::new_correlation_keeps_the_former_calibration()
     QCOMPARE(g_cfg->long_previous.x[1], 1260.0);
 }
 
-QTEST_MAIN(RangeRecompute)
+WINDOW_TEST(RangeRecompute);
 #include "test_rangerecompute.moc"

@@ -12,6 +12,7 @@
 #include "gui/frame/heldmutex.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -470,5 +471,5 @@ void Recording::recording_takes_no_lock()
     QVERIFY(is_time(m_it->form->txtAsFound->text()));
 }
 
-QTEST_MAIN(Recording)
+WINDOW_TEST(Recording);
 #include "test_recording.moc"

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "gui/calibration/processpanel.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -206,5 +207,5 @@ void RecordingRows::buttons_are_enabled_while_the_question_stands()
     QVERIFY(!m_it->it.form->btnReuseCalibration->isEnabled());
 }
 
-QTEST_MAIN(RecordingRows)
+WINDOW_TEST(RecordingRows);
 #include "test_recordingrows.moc"

@@ -9,6 +9,7 @@
 #include "calibration/dialogplace.h"
 #include "calibration/savetypedialog.h"
 #include "gui/calibration/processpanel.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -310,5 +311,5 @@ void SaveType::description_is_cut_and_reads_back()
     QTEST(QString::fromUtf8(ProcessPanel::last_record().cal_comment), "kept");
 }
 
-QTEST_MAIN(SaveType)
+WINDOW_TEST(SaveType);
 #include "test_savetypedialog.moc"

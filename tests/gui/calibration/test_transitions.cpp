@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "gui/calibration/processpanel.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -265,5 +266,5 @@ void Transitions::transition()
     m_it->check(before, transition.event, transition.outcome);
 }
 
-QTEST_MAIN(Transitions)
+WINDOW_TEST(Transitions);
 #include "test_transitions.moc"

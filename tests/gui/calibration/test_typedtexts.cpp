@@ -8,6 +8,7 @@
 
 #include "gui/frame/testwindow.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -160,5 +161,5 @@ void TypedTexts::names_of_blanks_are_names()
     m_it->forget_work();
 }
 
-QTEST_MAIN(TypedTexts)
+WINDOW_TEST(TypedTexts);
 #include "test_typedtexts.moc"

@@ -8,6 +8,7 @@
 
 #include "gui/frame/testwindow.h"
 #include "sensor/tolerances.h"
+#include "support/testmain.h"
 
 class Construction : public QObject
 {
@@ -228,5 +229,5 @@ void Construction::init_returns_1()
         std::free(block);
 }
 
-QTEST_MAIN(Construction)
+WINDOW_TEST(Construction);
 #include "test_construction.moc"

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -184,5 +185,5 @@ void Exit::closing_while_the_monitor_thread_runs_does_not_hang()
     QTRY_COMPARE_WITH_TIMEOUT(relaxed_load(g_cfg->monitor_pass_done), uint16_t(1), DEADLINE_MS);
 }
 
-QTEST_MAIN(Exit)
+WINDOW_TEST(Exit);
 #include "test_exit.moc"

@@ -13,6 +13,7 @@
 #include <QtTest>
 
 #include "ui_mainwindow.h"
+#include "support/testmain.h"
 
 class Form : public QObject
 {
@@ -302,5 +303,5 @@ void Form::coefficient_labels_stand_in_their_frame()
     }
 }
 
-QTEST_MAIN(Form)
+WINDOW_TEST(Form);
 #include "test_form.moc"

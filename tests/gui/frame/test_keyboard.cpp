@@ -10,6 +10,7 @@
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -316,5 +317,5 @@ void WithoutTheMouse::left_by_its_key()
     QVERIFY(!m_it->window->isVisible());
 }
 
-QTEST_MAIN(WithoutTheMouse)
+WINDOW_TEST(WithoutTheMouse);
 #include "test_keyboard.moc"

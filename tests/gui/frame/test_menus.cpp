@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 class Menus : public QObject
 {
@@ -301,5 +302,5 @@ void Menus::table_info_before_a_channel_is_chosen_does_nothing()
     g_captured_points = 0;
 }
 
-QTEST_MAIN(Menus)
+WINDOW_TEST(Menus);
 #include "test_menus.moc"

@@ -7,6 +7,7 @@
 #include "frame/functions.h"
 #include "frame/messagebox.h"
 #include "support/boxanswerer.h"
+#include "support/testmain.h"
 
 class MessageBoxes : public QObject
 {
@@ -186,5 +187,5 @@ void MessageBoxes::box_closed_with_the_program_answers_the_default()
              QMessageBox::No);
 }
 
-QTEST_MAIN(MessageBoxes)
+WINDOW_TEST(MessageBoxes);
 #include "test_messagebox.moc"

@@ -8,6 +8,7 @@
 
 #include "frame/styles.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -100,5 +101,5 @@ void TableInfo::key_alt_e_opens_it()
     QCOMPARE(answerer.met().size(), 1);
 }
 
-QTEST_MAIN(TableInfo)
+WINDOW_TEST(TableInfo);
 #include "test_tableinfo.moc"

@@ -8,6 +8,7 @@
 
 #include "calibration/savetypedialog.h"
 #include "gui/frame/testwindow.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -298,5 +299,5 @@ void Touch::description_of_the_recording_is_marked()
     QVERIFY(field->property("keyboard").toBool());
 }
 
-QTEST_MAIN(Touch)
+WINDOW_TEST(Touch);
 #include "test_touch.moc"

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "gui/input/touchscreen.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -376,5 +377,5 @@ void TypingPad::validator_that_goes_away_while_the_keyboard_is_open()
     QCOMPARE(m_sent, QStringList("a1b"));
 }
 
-QTEST_MAIN(TypingPad)
+WINDOW_TEST(TypingPad);
 #include "test_keyboard.moc"

@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "gui/input/touchscreen.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -260,5 +261,5 @@ void TypingWindow::strange_texts()
     QCOMPARE(m_sent.last(), QString());
 }
 
-QTEST_MAIN(TypingWindow)
+WINDOW_TEST(TypingWindow);
 #include "test_keyboardwindow.moc"

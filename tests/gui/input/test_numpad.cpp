@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include "gui/input/touchscreen.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -469,5 +470,5 @@ void NumberPad::pressed_key_can_be_seen()
     QCOMPARE(seven->grab().toImage(), before);
 }
 
-QTEST_MAIN(NumberPad)
+WINDOW_TEST(NumberPad);
 #include "test_numpad.moc"

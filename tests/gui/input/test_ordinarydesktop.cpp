@@ -7,6 +7,7 @@
 #include "frame/zerl_callbacks.h"
 #include "gui/frame/testwindow.h"
 #include "sensor/configdialog2.h"
+#include "support/testmain.h"
 
 class OrdinaryDesktop : public QObject
 {
@@ -95,5 +96,5 @@ void OrdinaryDesktop::changed_texts_do_nothing()
     m_it->form->txtNumPoints->setText(QStringLiteral("5"));
 }
 
-QTEST_MAIN(OrdinaryDesktop)
+WINDOW_TEST(OrdinaryDesktop);
 #include "test_ordinarydesktop.moc"

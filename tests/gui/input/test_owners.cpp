@@ -11,6 +11,7 @@
 #include "gui/frame/testwindow.h"
 #include "gui/input/touchscreen.h"
 #include "sensor/configdialog2.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -471,5 +472,5 @@ void Owners::pads_outlast_many_openings()
     QCOMPARE(m_it->form->txtTechnicianName->text(), QStringLiteral("a"));
 }
 
-QTEST_MAIN(Owners)
+WINDOW_TEST(Owners);
 #include "test_owners.moc"

@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include "gui/input/nest.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -269,5 +270,5 @@ void Results::value_is_not_deleted()
     QCOMPARE(value, QVariant("kept"));
 }
 
-QTEST_MAIN(Results)
+WINDOW_TEST(Results);
 #include "test_results.moc"

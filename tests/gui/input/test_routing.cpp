@@ -12,6 +12,7 @@
 #include <QtTest>
 
 #include "gui/input/nest.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -370,5 +371,5 @@ void Routing::pads_go_with_the_device()
     QVERIFY(numpad.isNull());
 }
 
-QTEST_MAIN(Routing)
+WINDOW_TEST(Routing);
 #include "test_routing.moc"

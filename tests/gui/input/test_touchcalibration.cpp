@@ -8,6 +8,7 @@
 
 #include "gui/frame/testwindow.h"
 #include "gui/input/touchscreen.h"
+#include "support/testmain.h"
 
 using namespace touchscreen;
 
@@ -128,5 +129,5 @@ void TouchCalibration::from_the_names_to_the_new_table()
     QCOMPARE(m_answerer->met().size(), 1); // nothing but the dialog of the recording
 }
 
-QTEST_MAIN(TouchCalibration)
+WINDOW_TEST(TouchCalibration);
 #include "test_touchcalibration.moc"

@@ -10,6 +10,7 @@
 #include "records/environmentdialog.h"
 #include "support/boxanswerer.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -223,5 +224,5 @@ void EnvironmentDialogTest::failed_write_keeps_the_names()
     QCOMPARE(log.count_containing("unable to write the ini file"), 1);
 }
 
-QTEST_MAIN(EnvironmentDialogTest)
+WINDOW_TEST(EnvironmentDialogTest);
 #include "test_environmentdialog.moc"

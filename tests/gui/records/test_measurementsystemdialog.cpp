@@ -6,6 +6,7 @@
 #include "gui/sensor/tableinformation.h"
 #include "records/measurementsystemdialog.h"
 #include "reports/linearity.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -299,5 +300,5 @@ void SystemDialog::enter_in_a_field_is_ok()
     QCOMPARE(stored(), QList<double>({1, 2, 3, 4}));
 }
 
-QTEST_MAIN(SystemDialog)
+WINDOW_TEST(SystemDialog);
 #include "test_measurementsystemdialog.moc"

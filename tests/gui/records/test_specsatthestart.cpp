@@ -5,6 +5,7 @@
 
 #include "gui/frame/testwindow.h"
 #include "gui/records/specsrecord.h"
+#include "support/testmain.h"
 
 class SpecsAtTheStart : public QObject
 {
@@ -60,5 +61,5 @@ void SpecsAtTheStart::menus_entry_reads_and_opens_nothing()
     QVERIFY(specs_are_zero());
 }
 
-QTEST_MAIN(SpecsAtTheStart)
+WINDOW_TEST(SpecsAtTheStart);
 #include "test_specsatthestart.moc"

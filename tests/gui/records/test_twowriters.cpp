@@ -9,6 +9,7 @@
 #include "records/environmentdialog.h"
 #include "reports/reportdialog.h"
 #include "support/anytext.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -95,5 +96,5 @@ void TwoWriters::names_survive_dialog_file_and_dialog()
     }));
 }
 
-QTEST_MAIN(TwoWriters)
+WINDOW_TEST(TwoWriters);
 #include "test_twowriters.moc"

@@ -9,6 +9,7 @@
 #include "records/workingstandarddialog.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -384,5 +385,5 @@ void StandardsDialog::enter_in_a_field_is_ok()
     QCOMPARE(read_file(FILE_OF_VALUES), file_of(VALUES));
 }
 
-QTEST_MAIN(StandardsDialog)
+WINDOW_TEST(StandardsDialog);
 #include "test_workingstandarddialog.moc"

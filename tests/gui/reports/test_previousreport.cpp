@@ -12,6 +12,7 @@
 
 #include "gui/frame/testwindow.h"
 #include "gui/records/specsrecord.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -258,5 +259,5 @@ void PreviousReport::specs_file_that_cannot_be_read_is_told()
     QCOMPARE(g_specs->report_email_count, 0);
 }
 
-QTEST_MAIN(PreviousReport)
+WINDOW_TEST(PreviousReport);
 #include "test_previousreport.moc"

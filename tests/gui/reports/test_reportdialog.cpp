@@ -14,6 +14,7 @@
 #include "reports/reportdialog.h"
 #include "support/boxanswerer.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -411,5 +412,5 @@ void ReportDialogTest::failed_write_keeps_the_address_for_this_run()
     QCOMPARE(listed(ReportDialog(nullptr, true)), QStringList{"a@cell"});
 }
 
-QTEST_MAIN(ReportDialogTest)
+WINDOW_TEST(ReportDialogTest);
 #include "test_reportdialog.moc"

@@ -10,6 +10,7 @@
 
 #include "host/operations.h"
 #include "tableinformation.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -387,5 +388,5 @@ void TableInformation::label_biases()
     QCOMPARE(mua_instance_index, uint16_t(7));
 }
 
-QTEST_MAIN(TableInformation)
+WINDOW_TEST(TableInformation);
 #include "test_configdialog2.moc"

@@ -8,6 +8,7 @@
 
 #include "host/operations.h"
 #include "tableinformation.h"
+#include "support/testmain.h"
 
 class TableInformationAnswers : public QObject
 {
@@ -308,5 +309,5 @@ void TableInformationAnswers::exec_result()
     QCOMPARE(rejected.exec(), 0);
 }
 
-QTEST_MAIN(TableInformationAnswers)
+WINDOW_TEST(TableInformationAnswers);
 #include "test_configdialog2_answers.moc"

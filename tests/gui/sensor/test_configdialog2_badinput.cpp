@@ -10,6 +10,7 @@
 
 #include "host/operations.h"
 #include "tableinformation.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -305,5 +306,5 @@ void TableInformationBadInput::cancel_with_odd_limits()
     QCOMPARE(dialog.result(), int(QDialog::Rejected));
 }
 
-QTEST_MAIN(TableInformationBadInput)
+WINDOW_TEST(TableInformationBadInput);
 #include "test_configdialog2_badinput.moc"

@@ -12,6 +12,7 @@
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "sensor/sensorrange.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -407,5 +408,5 @@ void Openers::refused_over_and_over()
     QCOMPARE(m_it->rows_shown(), 5);
 }
 
-QTEST_MAIN(Openers)
+WINDOW_TEST(Openers);
 #include "test_openers.moc"

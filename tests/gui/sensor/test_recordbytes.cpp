@@ -14,6 +14,7 @@
 #include "hostsim/runtime/unitcatalogue.h"
 #include "sensor/tablevalueunitsdialog.h"
 #include "sensor/unitcatalogue.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -237,5 +238,5 @@ void RecordBytes::units_dialog_opens_on_the_keyword()
     QCOMPARE(QByteArray(g_cfg->value_units), OTHER_UNIT);
 }
 
-QTEST_MAIN(RecordBytes)
+WINDOW_TEST(RecordBytes);
 #include "test_recordbytes.moc"

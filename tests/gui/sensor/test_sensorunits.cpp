@@ -13,6 +13,7 @@
 #include "support/hostlog.h"
 #include "support/testcell.h"
 #include "tableinformation.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -317,5 +318,5 @@ void SensorUnits::choosing_the_same_units_is_no_change()
     QCOMPARE(g_cfg->table.y_max, 95.0);
 }
 
-QTEST_MAIN(SensorUnits)
+WINDOW_TEST(SensorUnits);
 #include "test_sensorunits.moc"

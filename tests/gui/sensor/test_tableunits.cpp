@@ -16,6 +16,7 @@
 #include "sensor/tolerances.h"
 #include "sensor/unitcatalogue.h"
 #include "support/unitmemory.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -481,5 +482,5 @@ void TableUnitsSlot::menu_entry_has_no_handler()
     QCOMPARE(g_cfg->table.eng_units, "kPa");
 }
 
-QTEST_MAIN(TableUnitsSlot)
+WINDOW_TEST(TableUnitsSlot);
 #include "test_tableunits.moc"

@@ -14,6 +14,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/unitmemory.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -381,5 +382,5 @@ void UnitsDialog::keywords_without_terminator()
     QCOMPARE(units(again)->currentRow(), 699);
 }
 
-QTEST_MAIN(UnitsDialog)
+WINDOW_TEST(UnitsDialog);
 #include "test_unitsdialog.moc"

@@ -11,6 +11,7 @@
 #include "gui/views/statisticsview.h"
 #include "views/currentcalibrationstatsdialog.h"
 #include "views/statinfo.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -349,5 +350,5 @@ void CalibrationStatistics::closing()
     check_closing(&view);
 }
 
-QTEST_MAIN(CalibrationStatistics)
+WINDOW_TEST(CalibrationStatistics);
 #include "test_calibrationstatistics.moc"

@@ -11,6 +11,7 @@
 
 #include "gui/frame/testwindow.h"
 #include "gui/views/plotlook.h"
+#include "support/testmain.h"
 
 class PlotLook : public QObject
 {
@@ -206,5 +207,5 @@ void PlotLook::title_of_the_left_axis_is_the_unit()
                               DEADLINE_MS);
 }
 
-QTEST_MAIN(PlotLook)
+WINDOW_TEST(PlotLook);
 #include "test_plotlook.moc"

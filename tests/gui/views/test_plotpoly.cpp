@@ -10,6 +10,7 @@
 #include "gui/frame/testwindow.h"
 #include "gui/views/plotlook.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -226,5 +227,5 @@ void PlotPoly::bytes_that_count_as_a_change()
     m_it->window->update_plot(g_cfg);
 }
 
-QTEST_MAIN(PlotPoly)
+WINDOW_TEST(PlotPoly);
 #include "test_plotpoly.moc"

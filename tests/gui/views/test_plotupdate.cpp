@@ -14,6 +14,7 @@
 #include "gui/views/allocations.h"
 #include "gui/views/plotlook.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 class PlotUpdate : public QObject
 {
@@ -390,5 +391,5 @@ void PlotUpdate::record_is_read_under_the_mutex_and_drawn_without()
     m_it->window->table_mutex()->lock();
 }
 
-QTEST_MAIN(PlotUpdate)
+WINDOW_TEST(PlotUpdate);
 #include "test_plotupdate.moc"

@@ -8,6 +8,7 @@
 
 #include "gui/views/statisticsview.h"
 #include "views/pointstatsdialog.h"
+#include "support/testmain.h"
 
 class PointStatistics : public QObject
 {
@@ -196,5 +197,5 @@ void PointStatistics::closing()
     check_closing(&view);
 }
 
-QTEST_MAIN(PointStatistics)
+WINDOW_TEST(PointStatistics);
 #include "test_pointstatistics.moc"

@@ -14,6 +14,7 @@
 #include "gui/views/statisticsview.h"
 #include "support/hostlog.h"
 #include "views/polyregressiondialog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -496,5 +497,5 @@ void PolyRegression::closing()
     check_closing(&view);
 }
 
-QTEST_MAIN(PolyRegression)
+WINDOW_TEST(PolyRegression);
 #include "test_polyregression.moc"

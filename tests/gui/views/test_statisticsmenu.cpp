@@ -11,6 +11,7 @@
 #include "views/pointstatsdialog.h"
 #include "views/polyregressiondialog.h"
 #include "views/statinfo.h"
+#include "support/testmain.h"
 
 class StatisticsMenu : public QObject
 {
@@ -219,5 +220,5 @@ void StatisticsMenu::opened_before_any_channel_is_bound()
     g_cfg->long_current.num_points = count;
 }
 
-QTEST_MAIN(StatisticsMenu)
+WINDOW_TEST(StatisticsMenu);
 #include "test_statisticsmenu.moc"

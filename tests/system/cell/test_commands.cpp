@@ -14,6 +14,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
+#include "support/testmain.h"
 
 class Commands : public QObject
 {
@@ -282,5 +283,5 @@ void Commands::rebuild_without_a_host()
     QCOMPARE(log.count("tables not rebuilt: the host does not run"), 1);
 }
 
-QTEST_GUILESS_MAIN(Commands)
+LOOP_TEST(Commands);
 #include "test_commands.moc"

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include "launcher.h"
+#include "support/testmain.h"
 
 class LauncherCell : public QObject
 {
@@ -134,5 +135,5 @@ void LauncherCell::running_cell_keeps_its_marker()
     QCOMPARE(first.exitCode(), 0);
 }
 
-QTEST_GUILESS_MAIN(LauncherCell)
+LOOP_TEST(LauncherCell);
 #include "test_launcher_cell.moc"

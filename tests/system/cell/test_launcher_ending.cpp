@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include "launcher.h"
+#include "support/testmain.h"
 
 class LauncherEnding : public QObject
 {
@@ -129,5 +130,5 @@ void LauncherEnding::terminated_while_the_cell_starts()
     }
 }
 
-QTEST_GUILESS_MAIN(LauncherEnding)
+LOOP_TEST(LauncherEnding);
 #include "test_launcher_ending.moc"

@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include "launcher.h"
+#include "support/testmain.h"
 
 class LauncherPlaces : public QObject
 {
@@ -127,5 +128,5 @@ void LauncherPlaces::places_of_a_killed_run()
     QCOMPARE(done.output, QString());
 }
 
-QTEST_GUILESS_MAIN(LauncherPlaces)
+LOOP_TEST(LauncherPlaces);
 #include "test_launcher_places.moc"

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include "launcher.h"
+#include "support/testmain.h"
 
 class LauncherView : public QObject
 {
@@ -189,5 +190,5 @@ void LauncherView::launcher_within_a_view()
     QCOMPARE(done.output, QString("27\n/cell/here\n5\n"));
 }
 
-QTEST_GUILESS_MAIN(LauncherView)
+LOOP_TEST(LauncherView);
 #include "test_launcher_view.moc"

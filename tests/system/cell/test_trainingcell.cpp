@@ -10,6 +10,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
+#include "support/testmain.h"
 
 class TrainingCell : public QObject
 {
@@ -265,5 +266,5 @@ void TrainingCell::full_cell()
     QVERIFY2(cell.stop(), qPrintable(cell.error()));
 }
 
-QTEST_GUILESS_MAIN(TrainingCell)
+LOOP_TEST(TrainingCell);
 #include "test_trainingcell.moc"

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "machine.h"
+#include "support/testmain.h"
 
 class Zerl : public QObject
 {
@@ -492,5 +493,5 @@ void Zerl::clean_keeps_sources()
     QVERIFY(machine.exists("zerl"));
 }
 
-QTEST_GUILESS_MAIN(Zerl)
+LOOP_TEST(Zerl);
 #include "test_zerl.moc"

@@ -17,6 +17,7 @@
 #include "hostsim/runtime/tablefile.h"
 #include "support/cellfiles.h"
 #include "support/recorder.h"
+#include "support/testmain.h"
 
 using hostsim::Stretch;
 
@@ -338,7 +339,7 @@ void TestSaveFaults::undisturbed_save()
              m_history.comments + (rewritten ? QStringList("former") : QStringList()));
 }
 
-int main(int argc, char **argv)
+static int run(int argc, char **argv)
 {
     if (argc == 3 && qstrcmp(argv[1], "--save") == 0)
         return save(atoi(argv[2]));
@@ -346,5 +347,6 @@ int main(int argc, char **argv)
     TestSaveFaults test;
     return QTest::qExec(&test, argc, argv);
 }
+TEST_WITH_MAIN(run);
 
 #include "test_save_faults.moc"

@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "frame/functions.h"
+#include "support/testmain.h"
 
 // The two questions that computation puts to the windows.
 void show_information(const char *) {}
@@ -60,5 +61,5 @@ void CoreAlone::loads_what_it_needs()
     QVERIFY(!loaded("libQt5Core").isEmpty());
 }
 
-QTEST_GUILESS_MAIN(CoreAlone)
+LOOP_TEST(CoreAlone);
 #include "test_corealone.moc"

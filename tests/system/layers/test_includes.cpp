@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include "includescan.h"
+#include "support/testmain.h"
 
 class Includes : public QObject
 {
@@ -184,5 +185,5 @@ void Includes::walk_model_shares_layouts_only()
     }
 }
 
-QTEST_GUILESS_MAIN(Includes)
+LOOP_TEST(Includes);
 #include "test_includes.moc"

@@ -8,6 +8,7 @@
 #include "support/cellfiles.h"
 #include "support/testcell.h"
 #include "system/program/testprogram.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -259,5 +260,5 @@ void ProgramEnding::host_ends_while_the_program_runs()
     QCOMPARE(program.wait_for_end(), 0);
 }
 
-QTEST_GUILESS_MAIN(ProgramEnding)
+LOOP_TEST(ProgramEnding);
 #include "test_ending.moc"

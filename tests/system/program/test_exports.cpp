@@ -6,6 +6,7 @@
 #include "support/cellfiles.h"
 #include "support/testcell.h"
 #include "system/program/testprogram.h"
+#include "support/testmain.h"
 
 class ProgramExports : public QObject
 {
@@ -155,5 +156,5 @@ void ProgramExports::unused_numbers_start_at_0()
         QCOMPARE(m_program->ask({"number", QLatin1String(name)}), QStringLiteral("0"));
 }
 
-QTEST_GUILESS_MAIN(ProgramExports)
+LOOP_TEST(ProgramExports);
 #include "test_exports.moc"

@@ -10,6 +10,7 @@
 #include "support/hostlog.h"
 #include "support/testcell.h"
 #include "system/program/testprogram.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -233,5 +234,5 @@ void ProgramStart::arguments_are_left_to_the_toolkit()
     QCOMPARE(program.wait_for_end(), 0);
 }
 
-QTEST_GUILESS_MAIN(ProgramStart)
+LOOP_TEST(ProgramStart);
 #include "test_start.moc"

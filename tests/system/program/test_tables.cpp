@@ -10,6 +10,7 @@
 #include "support/hostlog.h"
 #include "support/testcell.h"
 #include "system/program/testprogram.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -118,5 +119,5 @@ void ProgramTables::bad_archive_leaves_the_table_in_force()
     QVERIFY2(cell.stop(), qPrintable(cell.error()));
 }
 
-QTEST_GUILESS_MAIN(ProgramTables)
+LOOP_TEST(ProgramTables);
 #include "test_tables.moc"

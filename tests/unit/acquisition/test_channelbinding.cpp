@@ -15,6 +15,7 @@
 #include "support/hostlog.h"
 #include "support/recorder.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -375,5 +376,5 @@ void ChannelBinding::channel_of_an_item()
     QCOMPARE(int{found}, channel);
 }
 
-QTEST_GUILESS_MAIN(ChannelBinding)
+LOOP_TEST(ChannelBinding);
 #include "test_channelbinding.moc"

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "acquisition/monitorthread.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -150,5 +151,5 @@ void ConvertReading::interp_table_without_points()
     QCOMPARE(convert(*cfg, TABLE_INTERP, 10.0), 0.0);
 }
 
-QTEST_GUILESS_MAIN(ConvertReading)
+LOOP_TEST(ConvertReading);
 #include "test_convertreading.moc"

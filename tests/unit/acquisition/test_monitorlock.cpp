@@ -19,6 +19,7 @@
 #include "frame/relaxed.h"
 #include "host/exports.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -320,5 +321,5 @@ void MonitorLock::thread_passes_again_and_again()
     QCOMPARE(m_cfg->monitor_pass_done, uint16_t{1});
 }
 
-QTEST_GUILESS_MAIN(MonitorLock)
+LOOP_TEST(MonitorLock);
 #include "test_monitorlock.moc"

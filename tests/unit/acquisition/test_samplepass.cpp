@@ -13,6 +13,7 @@
 #include "acquisition/monitorthread.h"
 #include "host/exports.h"
 #include "host/operations.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -336,5 +337,5 @@ void SamplePass::channel_that_is_not_published()
     QCOMPARE(m_cfg->live_mv, 3.0);
 }
 
-QTEST_GUILESS_MAIN(SamplePass)
+LOOP_TEST(SamplePass);
 #include "test_samplepass.moc"

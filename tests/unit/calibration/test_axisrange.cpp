@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include "calibration/axisrange.h"
+#include "support/testmain.h"
 
 Q_DECLARE_METATYPE(QVector<double>)
 
@@ -294,5 +295,5 @@ void AxisRange::values_that_are_no_numbers_terminate()
     QCOMPARE(axis.divisions, int16_t{5});
 }
 
-QTEST_GUILESS_MAIN(AxisRange)
+LOOP_TEST(AxisRange);
 #include "test_axisrange.moc"

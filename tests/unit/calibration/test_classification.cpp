@@ -9,6 +9,7 @@
 
 #include "calibration/classification.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -195,5 +196,5 @@ void Classification::style_of_a_status()
     QTEST(QByteArray(status_style(static_cast<uint16_t>(status))), "style");
 }
 
-QTEST_GUILESS_MAIN(Classification)
+LOOP_TEST(Classification);
 #include "test_classification.moc"

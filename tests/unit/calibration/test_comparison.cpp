@@ -8,6 +8,7 @@
 
 #include "calibration/comparison.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -132,5 +133,5 @@ void Comparison::not_a_number_stays_one()
     QVERIFY(qIsNaN(found.current_to_previous));
 }
 
-QTEST_GUILESS_MAIN(Comparison)
+LOOP_TEST(Comparison);
 #include "test_comparison.moc"

@@ -6,6 +6,7 @@
 
 #include "calibration/classification.h"
 #include "calibration/processtables.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -232,5 +233,5 @@ void Decisions::recordings_without_advice()
         QVERIFY(recording_advice(save_type, status) == nullptr);
 }
 
-QTEST_GUILESS_MAIN(Decisions)
+LOOP_TEST(Decisions);
 #include "test_decisions.moc"

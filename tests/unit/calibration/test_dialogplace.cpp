@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "calibration/dialogplace.h"
+#include "support/testmain.h"
 
 class DialogPlace : public QObject
 {
@@ -52,5 +53,5 @@ void DialogPlace::place()
     QTEST(recording_dialog_place(window_top, screen), "expected");
 }
 
-QTEST_GUILESS_MAIN(DialogPlace)
+LOOP_TEST(DialogPlace);
 #include "test_dialogplace.moc"

@@ -12,6 +12,7 @@
 #include "sensor/sensorrange.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -84,5 +85,5 @@ void FullTexts::unit_of_16_characters_is_judged_as_one_of_15()
     QVERIFY(text.contains('(' + QString(15, 'e') + ')'));
 }
 
-QTEST_GUILESS_MAIN(FullTexts)
+LOOP_TEST(FullTexts);
 #include "test_fulltexts.moc"

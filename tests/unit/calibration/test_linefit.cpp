@@ -12,6 +12,7 @@
 
 #include "calibration/linefit.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -244,5 +245,5 @@ void LineFit::odd_point_counts()
     }
 }
 
-QTEST_GUILESS_MAIN(LineFit)
+LOOP_TEST(LineFit);
 #include "test_linefit.moc"

@@ -5,6 +5,7 @@
 
 #include "calibration/plotcurve.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 class PlotCurve : public QObject
 {
@@ -110,5 +111,5 @@ void PlotCurve::unused_points_are_cleared()
     QCOMPARE(int{table.num_points}, recorded);
 }
 
-QTEST_GUILESS_MAIN(PlotCurve)
+LOOP_TEST(PlotCurve);
 #include "test_plotcurve.moc"

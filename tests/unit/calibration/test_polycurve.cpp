@@ -10,6 +10,7 @@
 #include "calibration/polycurve.h"
 #include "host/operations.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -311,5 +312,5 @@ void PolyCurve::odd_point_counts()
         QCOMPARE(range.coeffs[1], 2.0);
 }
 
-QTEST_GUILESS_MAIN(PolyCurve)
+LOOP_TEST(PolyCurve);
 #include "test_polycurve.moc"

@@ -8,6 +8,7 @@
 
 #include "calibration/polydeviation.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 class PolyDeviation : public QObject
 {
@@ -174,5 +175,5 @@ void PolyDeviation::r_squared_of_more_coefficients_than_a_range_holds()
     QVERIFY(poly_r_squared(*cfg) < 0.);
 }
 
-QTEST_GUILESS_MAIN(PolyDeviation)
+LOOP_TEST(PolyDeviation);
 #include "test_polydeviation.moc"

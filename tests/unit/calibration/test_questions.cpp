@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "calibration/processtables.h"
+#include "support/testmain.h"
 
 class Questions : public QObject
 {
@@ -152,5 +153,5 @@ void Questions::every_question_is_worded_here()
     QCOMPARE(static_cast<int>(worded), QUESTION_COUNT - 1); // without that of no question
 }
 
-QTEST_GUILESS_MAIN(Questions)
+LOOP_TEST(Questions);
 #include "test_questions.moc"

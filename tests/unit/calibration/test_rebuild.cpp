@@ -15,6 +15,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/recorder.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -253,5 +254,5 @@ void Rebuild::units_lost()
     QCOMPARE(information_texts(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(Rebuild)
+LOOP_TEST(Rebuild);
 #include "test_rebuild.moc"

@@ -10,6 +10,7 @@
 
 #include "calibration/tableload.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -152,5 +153,5 @@ void SortPoints::counts_outside_the_table()
         QCOMPARE(x[i], i < sorted ? i - sorted + 1.0 : -static_cast<double>(i));
 }
 
-QTEST_GUILESS_MAIN(SortPoints)
+LOOP_TEST(SortPoints);
 #include "test_sortpoints.moc"

@@ -13,6 +13,7 @@
 #include "support/cellfiles.h"
 #include "support/recorder.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -365,5 +366,5 @@ void TableLoad::failed_read_computes_nothing()
     QCOMPARE(information_texts(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(TableLoad)
+LOOP_TEST(TableLoad);
 #include "test_tableload.moc"

@@ -12,6 +12,7 @@
 #include "support/hostlog.h"
 #include "support/recorder.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -373,5 +374,5 @@ void TableRead::odd_counts_are_not_followed()
     QCOMPARE(information_texts(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(TableRead)
+LOOP_TEST(TableRead);
 #include "test_tableread.moc"

@@ -15,6 +15,7 @@
 #include "support/cellfiles.h"
 #include "support/recorder.h"
 #include "unit/calibration/tablerecords.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -435,5 +436,5 @@ void TableSave::reuse_of_a_type_that_cannot_be_archived()
     QCOMPARE(m_cfg->table_dirty, uint16_t{0});
 }
 
-QTEST_GUILESS_MAIN(TableSave)
+LOOP_TEST(TableSave);
 #include "test_tablesave.moc"

@@ -11,6 +11,7 @@
 #include "frame/relaxed.h"
 #include "frame/styles.h"
 #include "frame/tablelock.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -266,5 +267,5 @@ void Functions::lock_without_a_mutex_locks_nothing()
     QVERIFY(reached);
 }
 
-QTEST_GUILESS_MAIN(Functions)
+LOOP_TEST(Functions);
 #include "test_functions.moc"

@@ -11,6 +11,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/recorder.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -317,5 +318,5 @@ void HostLink::values_for_the_runtime()
     QCOMPARE(QByteArray(VORNAX_VER), QByteArray("$Version: E-7.0.27   $"));
 }
 
-QTEST_GUILESS_MAIN(HostLink)
+LOOP_TEST(HostLink);
 #include "test_hostlink.moc"

@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include "frame/zerl_cfg.h"
+#include "support/testmain.h"
 
 static_assert(std::is_trivially_copyable<ZERL_CFG>::value,
               "the record is published by one block copy");
@@ -342,5 +343,5 @@ void SessionRecord::statistics_of_points_2_to_63_survive()
         0);
 }
 
-QTEST_GUILESS_MAIN(SessionRecord)
+LOOP_TEST(SessionRecord);
 #include "test_sessionrecord.moc"

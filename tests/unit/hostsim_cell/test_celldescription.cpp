@@ -8,6 +8,7 @@
 
 #include "hostsim/cell/celldescription.h"
 #include "hostsim/cell/descriptionline.h"
+#include "support/testmain.h"
 
 using namespace cell;
 
@@ -407,5 +408,5 @@ void CellDescriptionTest::file_that_is_not_there()
     QCOMPARE(errors, std::vector<std::string>{"/nowhere/cell.txt: No such file or directory"});
 }
 
-QTEST_APPLESS_MAIN(CellDescriptionTest)
+PLAIN_TEST(CellDescriptionTest);
 #include "test_celldescription.moc"

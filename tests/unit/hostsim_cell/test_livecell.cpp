@@ -15,6 +15,7 @@
 #include "hostsim/runtime/memoryheader.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 using namespace caltables;
 using namespace cell;
@@ -370,5 +371,5 @@ void LiveCellTest::damaged_table_is_counted()
     QCOMPARE(log.count("channel 1 has no table file /cell/tables/slow.tbl"), 1);
 }
 
-QTEST_GUILESS_MAIN(LiveCellTest)
+LOOP_TEST(LiveCellTest);
 #include "test_livecell.moc"

@@ -15,6 +15,7 @@
 #include "host/operations.h"
 #include "hostsim/cell/celldescription.h"
 #include "support/cellfiles.h"
+#include "support/testmain.h"
 
 using namespace cell;
 
@@ -207,5 +208,5 @@ void TrainingDescription::first_channel_is_the_straight_road()
     QVERIFY(noise_deviation(c.transducer, c.condition) < 0.001 * span_mv(c.transducer));
 }
 
-QTEST_APPLESS_MAIN(TrainingDescription)
+PLAIN_TEST(TrainingDescription);
 #include "test_trainingdescription.moc"

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "hostsim/cell/transducer.h"
+#include "support/testmain.h"
 
 using namespace cell;
 
@@ -289,5 +290,5 @@ void TransducerTest::dead_sensor_gives_nothing()
     QVERIFY(sensor.settled());
 }
 
-QTEST_APPLESS_MAIN(TransducerTest)
+PLAIN_TEST(TransducerTest);
 #include "test_transducer.moc"

@@ -6,6 +6,7 @@
 
 #include "hostsim/runtime/doubledouble.h"
 #include "quad.h"
+#include "support/testmain.h"
 
 using doubledouble::Pair;
 
@@ -147,5 +148,5 @@ void DoubleDouble::lanes_agree_with_single_numbers()
     }
 }
 
-QTEST_APPLESS_MAIN(DoubleDouble)
+PLAIN_TEST(DoubleDouble);
 #include "test_doubledouble.moc"

@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include "support/testmain.h"
+
 class FitPoly : public QObject
 {
     Q_OBJECT
@@ -117,5 +119,5 @@ void FitPoly::bad_input()
     QVERIFY2(outcome.errors.startsWith("fitpoly: " + reason), outcome.errors.constData());
 }
 
-QTEST_GUILESS_MAIN(FitPoly)
+LOOP_TEST(FitPoly);
 #include "test_fitpoly.moc"

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/operations.h"
+#include "support/testmain.h"
 
 using Values = std::vector<double>;
 Q_DECLARE_METATYPE(Values)
@@ -329,5 +330,5 @@ void LongTable::null_records()
     QCOMPARE(linear_interp(nullptr, nullptr, 0, 1.0), 0.0);
 }
 
-QTEST_APPLESS_MAIN(LongTable)
+PLAIN_TEST(LongTable);
 #include "test_longtable.moc"

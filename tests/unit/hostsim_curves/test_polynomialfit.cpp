@@ -9,6 +9,7 @@
 
 #include "host/operations.h"
 #include "quad.h"
+#include "support/testmain.h"
 
 using Values = std::vector<double>;
 Q_DECLARE_METATYPE(Values)
@@ -376,5 +377,5 @@ void PolynomialFit::many_coefficients()
     }
 }
 
-QTEST_APPLESS_MAIN(PolynomialFit)
+PLAIN_TEST(PolynomialFit);
 #include "test_polynomialfit.moc"

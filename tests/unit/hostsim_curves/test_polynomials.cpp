@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/operations.h"
+#include "support/testmain.h"
 
 using Values = std::vector<double>;
 Q_DECLARE_METATYPE(Values)
@@ -158,5 +159,5 @@ void Polynomials::r_squared_near_one()
     QVERIFY(std::fabs((1.0 - found) - 4e-8 / about_mean) < 1e-15);
 }
 
-QTEST_APPLESS_MAIN(Polynomials)
+PLAIN_TEST(Polynomials);
 #include "test_polynomials.moc"

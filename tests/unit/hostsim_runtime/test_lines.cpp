@@ -8,6 +8,7 @@
 #include "host/operations.h"
 #include "logreader.h"
 #include "support/anytext.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -305,5 +306,5 @@ void Lines::keyword_in_any_file()
     }));
 }
 
-QTEST_APPLESS_MAIN(Lines)
+PLAIN_TEST(Lines);
 #include "test_lines.moc"

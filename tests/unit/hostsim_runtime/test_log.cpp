@@ -12,6 +12,7 @@
 #include "child.h"
 #include "host/operations.h"
 #include "logreader.h"
+#include "support/testmain.h"
 
 using hostsim::LOG_ENTRY_BYTES;
 using hostsim::LOG_FILE;
@@ -244,5 +245,5 @@ void Log::foreign_lines_are_no_entries()
     QVERIFY(parse_log_line("2024-05-17T09:30:00.125Z 1 77 m:1 ", &entry));
 }
 
-QTEST_APPLESS_MAIN(Log)
+PLAIN_TEST(Log);
 #include "test_log.moc"

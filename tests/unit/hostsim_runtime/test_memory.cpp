@@ -14,6 +14,7 @@
 #include "host/operations.h"
 #include "hostsim/runtime/memoryheader.h"
 #include "logreader.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 
@@ -364,5 +365,5 @@ void Memory::catalogue_must_end_within_its_memory()
     }
 }
 
-QTEST_APPLESS_MAIN(Memory)
+PLAIN_TEST(Memory);
 #include "test_memory.moc"

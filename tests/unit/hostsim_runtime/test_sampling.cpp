@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/operations.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -336,5 +337,5 @@ void Sampling::a_pass_allocates_nothing()
     QVERIFY(sum > 0.0);
 }
 
-QTEST_APPLESS_MAIN(Sampling)
+PLAIN_TEST(Sampling);
 #include "test_sampling.moc"

@@ -8,6 +8,7 @@
 
 #include "host/operations.h"
 #include "logreader.h"
+#include "support/testmain.h"
 
 using hostsim::LogEntry;
 
@@ -206,5 +207,5 @@ void Services::strupr_upper_cases_letters()
     QVERIFY(strupr(nullptr) == nullptr);
 }
 
-QTEST_APPLESS_MAIN(Services)
+PLAIN_TEST(Services);
 #include "test_services.moc"

@@ -9,6 +9,7 @@
 #include "host/operations.h"
 #include "hostsim/runtime/memoryheader.h"
 #include "logreader.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 
@@ -68,7 +69,7 @@ void Tasks::join_with_a_short_memory_is_admitted()
 void Tasks::authentication_failure_logs_and_exits()
 {
     QProcess refused;
-    refused.start(QStringLiteral("/proc/self/exe"), {QStringLiteral(REFUSED)});
+    refused.start(QStringLiteral("/proc/self/exe"), {QStringLiteral("tasks"), QStringLiteral(REFUSED)});
     QVERIFY(refused.waitForFinished());
     QCOMPARE(refused.exitStatus(), QProcess::NormalExit);
     QCOMPARE(refused.exitCode(), 1);
@@ -80,7 +81,7 @@ void Tasks::authentication_failure_logs_and_exits()
 }
 
 // Started with REFUSED, the program is a task that the host refuses.
-int main(int argc, char **argv)
+static int run(int argc, char **argv)
 {
     if (argc == 2 && strcmp(argv[1], REFUSED) == 0) {
         // Not by an abort or a quick exit: what is to run at the end, runs.
@@ -90,5 +91,6 @@ int main(int argc, char **argv)
     Tasks tasks;
     return QTest::qExec(&tasks, argc, argv);
 }
+TEST_WITH_MAIN(run);
 
 #include "test_tasks.moc"

@@ -11,6 +11,7 @@
 #include "hostsim/runtime/memoryheader.h"
 #include "hostsim/runtime/unitcatalogue.h"
 #include "logreader.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 
@@ -265,5 +266,5 @@ void Catalogue::withdrawn_the_default_serves()
     QCOMPARE(units_dimension_check_key("PSI", "kPa"), 0);
 }
 
-QTEST_APPLESS_MAIN(Catalogue)
+PLAIN_TEST(Catalogue);
 #include "test_unitcatalogue.moc"

@@ -11,6 +11,7 @@
 #include "host/operations.h"
 #include "hostsim/runtime/unitcatalogue.h"
 #include "logreader.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -360,7 +361,8 @@ void UnitService::without_the_database_nothing_converts()
     environment.insert(QStringLiteral("UDUNITS2_XML_PATH"), QStringLiteral("/nowhere/units.xml"));
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral("/proc/self/exe"),
-                  {QStringLiteral("without_the_database_nothing_converts")});
+                  {QStringLiteral("units"),
+                   QStringLiteral("without_the_database_nothing_converts")});
     QVERIFY(process.waitForFinished());
     const QByteArray output = process.readAllStandardOutput();
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
@@ -412,5 +414,5 @@ void UnitService::a_decimal_comma_changes_nothing()
     hostsim::withdraw_unit_catalogue();
 }
 
-QTEST_APPLESS_MAIN(UnitService)
+PLAIN_TEST(UnitService);
 #include "test_units.moc"

@@ -13,6 +13,7 @@
 
 #include "host/operations.h"
 #include "hostsim/runtime/unitcatalogue.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -346,5 +347,5 @@ void UnitScales::many_threads_at_once()
     QCOMPARE(wrong.load(), 0);
 }
 
-QTEST_APPLESS_MAIN(UnitScales)
+PLAIN_TEST(UnitScales);
 #include "test_unitscales.moc"

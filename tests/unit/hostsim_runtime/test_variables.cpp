@@ -6,6 +6,7 @@
 #include "child.h"
 #include "host/operations.h"
 #include "hostsim/runtime/memoryheader.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 
@@ -181,5 +182,5 @@ void Variables::foreign_ids_have_no_address()
     QVERIFY(get_vrbl_adr(id) == nullptr);
 }
 
-QTEST_APPLESS_MAIN(Variables)
+PLAIN_TEST(Variables);
 #include "test_variables.moc"

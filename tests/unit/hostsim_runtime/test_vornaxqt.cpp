@@ -2,6 +2,8 @@
 #include <QLibrary>
 #include <QtTest>
 
+#include "support/testmain.h"
+
 // The library is the host's: taken as the program takes it, by its file.
 class Display : public QObject
 {
@@ -98,5 +100,5 @@ void Display::the_programs_name_plays_no_part()
     QVERIFY(!m_is_empty(QString()));
 }
 
-QTEST_APPLESS_MAIN(Display)
+PLAIN_TEST(Display);
 #include "test_vornaxqt.moc"

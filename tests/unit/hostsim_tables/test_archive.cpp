@@ -13,6 +13,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "tablefixture.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 using namespace tablefixture;
@@ -394,5 +395,5 @@ void TestArchive::reading_while_another_process_adds()
     QCOMPARE(log.texts(), QStringList());
 }
 
-QTEST_APPLESS_MAIN(TestArchive)
+PLAIN_TEST(TestArchive);
 #include "test_archive.moc"

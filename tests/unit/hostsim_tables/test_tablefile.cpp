@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "tablefixture.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 using namespace tablefixture;
@@ -469,5 +470,5 @@ void TestTableFile::names_of_types_and_steps()
     QCOMPARE(QString(table_type_name(65535)), QString("unknown"));
 }
 
-QTEST_APPLESS_MAIN(TestTableFile)
+PLAIN_TEST(TestTableFile);
 #include "test_tablefile.moc"

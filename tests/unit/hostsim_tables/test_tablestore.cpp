@@ -16,6 +16,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "tablefixture.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 using namespace tablefixture;
@@ -461,5 +462,5 @@ void TestTableStore::two_processes_keep_every_record_whole()
     QCOMPARE(comments.size(), 2 * each);
 }
 
-QTEST_APPLESS_MAIN(TestTableStore)
+PLAIN_TEST(TestTableStore);
 #include "test_tablestore.moc"

@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include "hostsim/runtime/tabletext.h"
+#include "support/testmain.h"
 
 using namespace hostsim;
 
@@ -263,5 +264,5 @@ void TestTableText::times()
     QTEST(QString::fromStdString(time_text(seconds)), "text");
 }
 
-QTEST_APPLESS_MAIN(TestTableText)
+PLAIN_TEST(TestTableText);
 #include "test_tabletext.moc"

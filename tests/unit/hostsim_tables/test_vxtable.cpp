@@ -9,6 +9,7 @@
 
 #include "support/cellfiles.h"
 #include "tablefixture.h"
+#include "support/testmain.h"
 
 using namespace tablefixture;
 
@@ -311,5 +312,5 @@ void TestVxtable::no_bytes_crash_it()
     }
 }
 
-QTEST_GUILESS_MAIN(TestVxtable)
+LOOP_TEST(TestVxtable);
 #include "test_vxtable.moc"

@@ -11,6 +11,7 @@
 
 #include "records/measurementsystem.h"
 #include "reports/linearityfigures.h"
+#include "support/testmain.h"
 
 static_assert(offsetof(ENV_BLOCK, validation_nominal_range_min) == 0, "range minimum");
 static_assert(offsetof(ENV_BLOCK, validation_nominal_range_max) == 8, "range maximum");
@@ -252,5 +253,5 @@ void MeasurementSystem::x_max_of_the_figures()
     QCOMPARE(linearity_figures(points, 3, units, report).record.x_max, without + 400.0);
 }
 
-QTEST_GUILESS_MAIN(MeasurementSystem)
+LOOP_TEST(MeasurementSystem);
 #include "test_measurementsystem.moc"

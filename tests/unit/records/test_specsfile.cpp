@@ -9,6 +9,7 @@
 #include "records/specsfile.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -375,5 +376,5 @@ void SpecsFile::humidity_stands_before_barometer_in_the_record()
     QCOMPARE(offsetof(SPECS_BLOCK, report_email_count), std::size_t{240 + 25 * 1024});
 }
 
-QTEST_APPLESS_MAIN(SpecsFile)
+PLAIN_TEST(SpecsFile);
 #include "test_specsfile.moc"

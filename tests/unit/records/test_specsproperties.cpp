@@ -10,6 +10,7 @@
 #include "records/specsfile.h"
 #include "support/anytext.h"
 #include "support/cellfiles.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -166,5 +167,5 @@ void SpecsProperties::any_file_leaves_a_whole_record()
     }));
 }
 
-QTEST_APPLESS_MAIN(SpecsProperties)
+PLAIN_TEST(SpecsProperties);
 #include "test_specsproperties.moc"

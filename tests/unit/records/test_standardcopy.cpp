@@ -11,6 +11,7 @@
 #include "records/workingstandard.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 // Six texts of 80 bytes, the name first.
 static_assert(offsetof(LINE_RPT, ws_make) == offsetof(LINE_RPT, ws_qie_number) + 80, "make");
@@ -104,5 +105,5 @@ void WorkingStandardCopy::report_cuts_at_80_bytes()
     QCOMPARE(read_working_standard("DW-12")->model, QString(200, 'n'));
 }
 
-QTEST_GUILESS_MAIN(WorkingStandardCopy)
+LOOP_TEST(WorkingStandardCopy);
 #include "test_standardcopy.moc"

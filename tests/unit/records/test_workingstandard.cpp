@@ -12,6 +12,7 @@
 #include "support/anytext.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -428,5 +429,5 @@ void WorkingStandardFile::failed_write_is_logged()
     QCOMPARE(log.entries().size(), obstacle == "no folder" ? 3 : 2);
 }
 
-QTEST_GUILESS_MAIN(WorkingStandardFile)
+LOOP_TEST(WorkingStandardFile);
 #include "test_workingstandard.moc"

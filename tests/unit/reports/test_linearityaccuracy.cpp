@@ -7,6 +7,7 @@
 #include <random>
 
 #include "unit/reports/linearitycases.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -175,5 +176,5 @@ void LinearityAccuracy::norris_as_published()
     QVERIFY(relative(r.see, 0.884796396144373) < 5e-14);
 }
 
-QTEST_GUILESS_MAIN(LinearityAccuracy)
+LOOP_TEST(LinearityAccuracy);
 #include "test_linearityaccuracy.moc"

@@ -13,6 +13,7 @@
 #include "reports/linearitydump.h"
 #include "support/hostlog.h"
 #include "unit/reports/linearitycases.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -278,5 +279,5 @@ void LinearityDump::folder_that_is_missing_costs_one_log_entry()
              QStringList("Unable to write </ram/missing/a.html>: No such file or directory"));
 }
 
-QTEST_GUILESS_MAIN(LinearityDump)
+LOOP_TEST(LinearityDump);
 #include "test_linearitydump.moc"

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "unit/reports/linearitycases.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -419,5 +420,5 @@ void LinearityFiguresTest::check_of_r_squared()
     QTEST(r2_passes(value), "passes");
 }
 
-QTEST_GUILESS_MAIN(LinearityFiguresTest)
+LOOP_TEST(LinearityFiguresTest);
 #include "test_linearityfigures.moc"

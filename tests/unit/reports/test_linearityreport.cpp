@@ -13,6 +13,7 @@
 #include "support/hostlog.h"
 #include "support/testcell.h"
 #include "unit/reports/reportcontent.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -228,5 +229,5 @@ void LinearityReport::full_disc_is_not_noticed()
     QVERIFY(QFile::remove(TMP_REPORT));
 }
 
-QTEST_GUILESS_MAIN(LinearityReport)
+LOOP_TEST(LinearityReport);
 #include "test_linearityreport.moc"

@@ -7,6 +7,7 @@
 #include "reports/linearitydump.h"
 #include "reports/linearityreport.h"
 #include "unit/reports/reportcontent.h"
+#include "support/testmain.h"
 
 class LocalDigits : public QObject
 {
@@ -58,7 +59,7 @@ void LocalDigits::figures_of_the_document()
     QCOMPARE(document_of("ten_points"), linearity_file("ten_points.html"));
 }
 
-int main(int argc, char **argv)
+static int run(int argc, char **argv)
 {
     // Before Qt looks; the language needs no support of the C library.
     qputenv("LC_ALL", "ar_EG.UTF-8");
@@ -67,4 +68,5 @@ int main(int argc, char **argv)
     LocalDigits test;
     return QTest::qExec(&test, argc, argv);
 }
+TEST_WITH_MAIN(run);
 #include "test_localdigits.moc"

@@ -8,6 +8,7 @@
 
 #include "reports/linearityreport.h"
 #include "reports/previousreport.h"
+#include "support/testmain.h"
 
 class PreviousReportPath : public QObject
 {
@@ -101,5 +102,5 @@ void PreviousReportPath::command()
     QCOMPARE(browser_command(path), command);
 }
 
-QTEST_APPLESS_MAIN(PreviousReportPath)
+PLAIN_TEST(PreviousReportPath);
 #include "test_previousreport.moc"

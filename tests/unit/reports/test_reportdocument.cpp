@@ -9,6 +9,7 @@
 #include <QTextStream>
 
 #include "unit/reports/reportcontent.h"
+#include "support/testmain.h"
 
 class ReportDocument : public QObject
 {
@@ -229,5 +230,5 @@ void ReportDocument::more_points_than_a_session_holds()
     QVERIFY(!document.contains("<tr>" + centred("65")));
 }
 
-QTEST_GUILESS_MAIN(ReportDocument)
+LOOP_TEST(ReportDocument);
 #include "test_reportdocument.moc"

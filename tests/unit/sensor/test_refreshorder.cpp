@@ -11,6 +11,7 @@
 #include "frame/zerl_cfg.h"
 #include "host/operations.h"
 #include "sensor/tolerances.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -57,5 +58,5 @@ void RefreshOrder::bias_before_tolerance_class_by_class()
     QCOMPARE(cfg->table.soot_tol, 6.0);
 }
 
-QTEST_GUILESS_MAIN(RefreshOrder)
+LOOP_TEST(RefreshOrder);
 #include "test_refreshorder.moc"

@@ -8,6 +8,7 @@
 
 #include "host/operations.h"
 #include "sensor/sensorrange.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -250,5 +251,5 @@ void SensorRange::refusal_keeps_percent_signs_in_units()
                             "(%1)."));
 }
 
-QTEST_APPLESS_MAIN(SensorRange)
+PLAIN_TEST(SensorRange);
 #include "test_sensorrange.moc"

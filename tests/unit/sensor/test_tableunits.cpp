@@ -13,6 +13,7 @@
 #include "sensor/unitcatalogue.h"
 #include "sensor/unitkeywords.h"
 #include "support/cellfiles.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -232,5 +233,5 @@ void TableUnits::display_class()
     QTEST(classify_unit(keyword), "number");
 }
 
-QTEST_GUILESS_MAIN(TableUnits)
+LOOP_TEST(TableUnits);
 #include "test_tableunits.moc"

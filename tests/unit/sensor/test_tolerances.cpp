@@ -10,6 +10,7 @@
 #include "host/operations.h"
 #include "sensor/tolerances.h"
 #include "support/recorder.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -388,5 +389,5 @@ void Tolerances::refresh_overwrites_what_the_table_brought()
     QCOMPARE(table.soot_tol, 2.0);
 }
 
-QTEST_APPLESS_MAIN(Tolerances)
+PLAIN_TEST(Tolerances);
 #include "test_tolerances.moc"

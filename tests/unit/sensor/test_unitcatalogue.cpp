@@ -13,6 +13,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/unitmemory.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -392,5 +393,5 @@ void UnitLists::nothing_picked_is_logged()
     QCOMPARE(log.entries().first().severity, 1);
 }
 
-QTEST_GUILESS_MAIN(UnitLists)
+LOOP_TEST(UnitLists);
 #include "test_unitcatalogue.moc"

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "views/statisticscells.h"
+#include "support/testmain.h"
 
 namespace
 {
@@ -110,5 +111,5 @@ void StatisticsCells::deviations()
     QTEST(deviation_cells(index, {values[0], values[1], values[2], values[3]}), "texts");
 }
 
-QTEST_GUILESS_MAIN(StatisticsCells)
+LOOP_TEST(StatisticsCells);
 #include "test_statisticscells.moc"
