@@ -19,7 +19,7 @@
 #include "bench/ratios.h"
 #include "calibration/tableload.h"
 #include "frame/mainwindow.h"
-#include "ui_mainwindow.h"
+#include "tests/support/windowform.h"
 
 namespace
 {
@@ -53,7 +53,7 @@ void bind()
 
 void choose_type(int item)
 {
-    window->form()->cboCalType->setCurrentIndex(item);
+    form_of(window)->cboCalType->setCurrentIndex(item);
 }
 
 void back_to_interp()
@@ -102,13 +102,13 @@ void BM_change_of_degree(benchmark::State &state)
         g_cfg->live_mv = 1250.0 + step;
         g_cfg->live_eu = 125.0 + step / 10.0;
         higher = !higher;
-        window->form()->cboOrderOfPolynomial->setCurrentIndex(DEGREE - (higher ? 2 : 1));
+        form_of(window)->cboOrderOfPolynomial->setCurrentIndex(DEGREE - (higher ? 2 : 1));
         paint();
         const POLY_RANGE_RECORD &range = g_cfg->table.poly[0];
         if (g_cfg->redraw_all != 0 || range.num_coeffs != DEGREE + (higher ? 0 : 1))
             state.SkipWithError("the polynomial was not drawn");
     }
-    window->form()->cboOrderOfPolynomial->setCurrentIndex(DEGREE - 1);
+    form_of(window)->cboOrderOfPolynomial->setCurrentIndex(DEGREE - 1);
     paint();
 }
 BENCHMARK(BM_change_of_degree)->Unit(benchmark::kMicrosecond);
@@ -117,7 +117,7 @@ void BM_replot_and_fit(benchmark::State &state)
 {
     choose_type(ITEM_POLY);
     paint();
-    QwtPlot *plot = window->form()->dataPlot;
+    QwtPlot *plot = form_of(window)->dataPlot;
     const POLY_RANGE_RECORD &range = g_cfg->table.poly[0];
     double step = 0.0;
     for (auto run : state) {
@@ -142,13 +142,13 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     MainWindow main_window;
     window = &main_window;
-    g_main_window = window;
+    set_main_window(window);
     window->show();
     paint();
     bind();
     const int status = bench::run(argc, argv,
                                   {{"BM_switch_to_poly", "BM_replot_and_fit", 2.0},
                                    {"BM_change_of_degree", "BM_replot_and_fit", 2.0}});
-    g_main_window = nullptr;
+    set_main_window(nullptr);
     return status;
 }

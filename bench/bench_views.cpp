@@ -12,7 +12,7 @@
 #include "bench/ratios.h"
 #include "calibration/linefit.h"
 #include "frame/mainwindow.h"
-#include "ui_mainwindow.h"
+#include "tests/support/windowform.h"
 
 namespace
 {
@@ -91,12 +91,12 @@ void click_calibration_statistics()
 
 void click_point_statistics()
 {
-    window->form()->actionPoint_Statistics->trigger();
+    form_of(window)->actionPoint_Statistics->trigger();
 }
 
 void click_polynomial_regression()
 {
-    window->form()->actionCal_Statistics_Chart->trigger();
+    form_of(window)->actionCal_Statistics_Chart->trigger();
 }
 
 void BM_calibration_statistics(benchmark::State &state)
@@ -143,9 +143,9 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     MainWindow main_window;
     window = &main_window;
-    g_main_window = window;
-    window->form()->actionPoint_Statistics->setEnabled(true);
-    window->form()->actionCal_Statistics_Chart->setEnabled(true);
+    set_main_window(window);
+    form_of(window)->actionPoint_Statistics->setEnabled(true);
+    form_of(window)->actionCal_Statistics_Chart->setEnabled(true);
     window->show();
     QCoreApplication::processEvents();
     bind();
@@ -154,6 +154,6 @@ int main(int argc, char **argv)
                    {{"BM_calibration_statistics", "BM_calibration_statistics_empty", 3.0},
                     {"BM_point_statistics", "BM_point_statistics_empty", 3.0},
                     {"BM_polynomial_regression", "BM_polynomial_regression_empty", 3.0}});
-    g_main_window = nullptr;
+    set_main_window(nullptr);
     return status;
 }

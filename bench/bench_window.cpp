@@ -17,7 +17,7 @@
 #include "bench/ratios.h"
 #include "calibration/tableload.h"
 #include "frame/mainwindow.h"
-#include "ui_mainwindow.h"
+#include "tests/support/windowform.h"
 
 namespace
 {
@@ -92,7 +92,7 @@ BENCHMARK(BM_moving_tick)->Unit(benchmark::kMicrosecond);
 
 void BM_bare_replot(benchmark::State &state)
 {
-    QwtPlot *plot = window->form()->dataPlot;
+    QwtPlot *plot = form_of(window)->dataPlot;
     double step = 0.0;
     for (auto run : state) {
         static_cast<void>(run);
@@ -107,7 +107,7 @@ BENCHMARK(BM_bare_replot)->Unit(benchmark::kMicrosecond);
 
 void BM_fill_channel_list(benchmark::State &state)
 {
-    QComboBox *list = window->form()->cboCurrentChannel;
+    QComboBox *list = form_of(window)->cboCurrentChannel;
     for (auto run : state) {
         static_cast<void>(run);
         state.PauseTiming();
@@ -143,7 +143,7 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     MainWindow main_window;
     window = &main_window;
-    g_main_window = window;
+    set_main_window(window);
     window->show();
     paint();
     bind();
@@ -151,6 +151,6 @@ int main(int argc, char **argv)
                                   {{"BM_steady_tick", "BM_memcmp_2568", 5.0},
                                    {"BM_moving_tick", "BM_bare_replot", 1.5},
                                    {"BM_fill_channel_list", "BM_bare_combo", 2.0}});
-    g_main_window = nullptr;
+    set_main_window(nullptr);
     return status;
 }

@@ -3,41 +3,37 @@
 
 #include <QEvent>
 
+#include "acquisition/rowlook.h"
+#include "acquisition/rowwindow.h"
 #include "acquisition/undodialog.h"
-#include "calibration/judgedrows.h"
-#include "calibration/process.h"
+#include "calibration/classification.h"
 #include "frame/functions.h"
-#include "frame/mainwindow.h"
-#include "frame/numbervalidator.h"
 #include "frame/relaxed.h"
-#include "frame/styles.h"
 #include "frame/tablelock.h"
-#include "frame/zerl_callbacks.h"
+#include "frame/zerl_cfg.h"
 #include "host/operations.h"
 #include "sensor/configdialog2.h"
-#include "ui_mainwindow.h"
 #include "ui_pointinfo.h"
+#include "window/numbervalidator.h"
+#include "window/styles.h"
+#include "window/touchfield.h"
 
-PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent)
+PointInfo::PointInfo(RowWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
       previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index), counted(false),
-      ui(new Ui::PointInfo)
+      ui(std::make_unique<Ui::PointInfo>())
 {
     ui->setupUi(this);
     if (g_touch_input) {
         ui->txtCurrentValue->setValidator(new NumberValidator(ui->txtCurrentValue));
-        ui->txtCurrentValue->setProperty("keyboard", true);
-        ui->txtCurrentValue->installEventFilter(this);
+        mark_touch_field(ui->txtCurrentValue, this);
     }
     set_value_style(QLatin1String(STYLE_WHITE));
     set_caption(QStringLiteral("Capture"));
     ui->lblIndexNum->setText(QString::number(index + 1));
 }
 
-PointInfo::~PointInfo()
-{
-    delete ui;
-}
+PointInfo::~PointInfo() = default;
 
 QLineEdit *PointInfo::value_field() const
 {
@@ -119,9 +115,7 @@ bool PointInfo::captures() const
 // A double tap opens the field's pad and goes on to the field as well.
 bool PointInfo::eventFilter(QObject *object, QEvent *event)
 {
-    if (g_touch_input && object == ui->txtCurrentValue &&
-        event->type() == QEvent::MouseButtonDblClick)
-        request_input_panel(object);
+    hand_double_tap_over(object, event);
     return false;
 }
 
@@ -165,9 +159,9 @@ bool PointInfo::sensor_range_repaired()
     if (main->check_sensor_range(&reason) != 0)
         return true;
     TableLock lock(main->table_mutex());
-    ConfigDialog2 dialog(main, true, reason);
+    ConfigDialog2 dialog(window(), true, reason);
     if (dialog.exec() == QDialog::Accepted)
-        main->form()->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
+        main->show_serial_number();
     return false;
 }
 
@@ -197,21 +191,21 @@ void PointInfo::capture()
         return;
     if (grown)
         compute_long_table(&g_cfg->table, &current);
-    main->form()->lblNextStep->setText(QString());
+    main->empty_next_step();
     previous_mv = former_mv;
     saved_style = former_style;
     previous_status = status;
     ++g_captured_points;
-    update_record_ready(main);
+    main->show_record_ready();
     set_caption(QStringLiteral("Undo"));
-    classify_point(main, index, ui->txtCurrentValue, &status);
+    set_row_status(this, point_status(*g_cfg, index));
     main->sync_type_controls(g_cfg);
     finish();
 }
 
 void PointInfo::undo()
 {
-    undoDialog dialog(main);
+    undoDialog dialog(window());
     if (dialog.exec() != QDialog::Accepted) {
         finish();
         return;
@@ -237,7 +231,7 @@ void PointInfo::undo()
     g_cfg->table.worst_status = previous_status;
     --g_captured_points;
     main->update_plot(g_cfg);
-    update_record_ready(main);
+    main->show_record_ready();
     set_caption(was_new ? QStringLiteral("Capture New") : QStringLiteral("Capture"));
     finish();
 }
@@ -246,8 +240,7 @@ void PointInfo::undo()
 // too overwrites the point's statistics with the present reading.
 void PointInfo::finish()
 {
-    main->form()->btnAdjustCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
-    main->form()->btnReuseCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
+    main->suggest_no_decision();
     const POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
     POINT_STATISTICS &point = g_cfg->point_stats[index];
     point.eu_mean = relaxed_load(g_sample.eu_mean);

@@ -5,12 +5,14 @@
 #ifndef ACQUISITION_POINTINFO_H
 #define ACQUISITION_POINTINFO_H
 
+#include <memory>
+
 #include <QString>
 #include <QWidget>
 
-class MainWindow;
 class QLabel;
 class QLineEdit;
+class RowWindow;
 
 namespace Ui
 {
@@ -25,7 +27,7 @@ class PointInfo : public QWidget
     Q_OBJECT
 
 public:
-    PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent);
+    PointInfo(RowWindow *main_window, int32_t row_index, QWidget *parent);
     ~PointInfo() override;
 
     QLineEdit *value_field() const;
@@ -67,10 +69,10 @@ private:
     void undo();
     void finish();
 
-    MainWindow *main;
+    RowWindow *main;
     int32_t index;
     bool counted; // the last capture as a new point has grown the count
-    Ui::PointInfo *ui;
+    std::unique_ptr<Ui::PointInfo> ui;
 };
 
 #endif

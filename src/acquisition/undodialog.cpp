@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "acquisition/undodialog.h"
 
-#include "frame/messagebox.h"
 #include "ui_undodialog.h"
+#include "window/messagebox.h"
 
-undoDialog::undoDialog(QWidget *parent) : QDialog(parent), ui(new Ui::undoDialog)
+undoDialog::undoDialog(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::undoDialog>())
 {
     ui->setupUi(this);
     setWindowFlags(TITLE_BAR_ONLY);
 }
 
-undoDialog::~undoDialog()
-{
-    delete ui;
-}
+undoDialog::~undoDialog() = default;
 
 void undoDialog::on_btnRevert_clicked()
 {

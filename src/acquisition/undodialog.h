@@ -4,6 +4,8 @@
 #ifndef ACQUISITION_UNDODIALOG_H
 #define ACQUISITION_UNDODIALOG_H
 
+#include <memory>
+
 #include <QDialog>
 
 namespace Ui
@@ -24,7 +26,7 @@ private slots:
     void on_btnCancelUndo_clicked();
 
 private:
-    Ui::undoDialog *ui;
+    std::unique_ptr<Ui::undoDialog> ui;
 };
 
 #endif

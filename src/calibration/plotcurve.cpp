@@ -3,11 +3,6 @@
 
 #include <algorithm>
 
-int point_count(const LONG_TABLE &long_table)
-{
-    return std::clamp<int>(long_table.num_points, 0, MAX_POINTS);
-}
-
 void fill_plot_curve(const LONG_TABLE *long_table, PLOT_CURVE *curve)
 {
     const int count = point_count(*long_table);

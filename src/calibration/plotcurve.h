@@ -11,9 +11,6 @@
 // gives zero pairs.
 void fill_plot_curve(const LONG_TABLE *long_table, PLOT_CURVE *curve);
 
-// Points of the table, kept within 0 to 64 whatever the record holds.
-int point_count(const LONG_TABLE &long_table);
-
 // Zeroes x and y of the slots behind the last point.
 void clear_unused_points(LONG_TABLE *long_table);
 

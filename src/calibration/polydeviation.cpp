@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/polydeviation.h"
 
-#include "calibration/plotcurve.h"
 #include "calibration/tableload.h"
 #include "host/operations.h"
 

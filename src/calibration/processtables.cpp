@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/processtables.h"
 
-#include "frame/styles.h"
 #include "host/tablerecord.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/questions.h"
 
-#include "frame/messagebox.h"
+#include "window/messagebox.h"
 
 namespace
 {

@@ -6,11 +6,11 @@
 
 #include "calibration/dialogplace.h"
 #include "calibration/questions.h"
+#include "frame/functions.h"
 #include "frame/mainwindow.h"
-#include "frame/messagebox.h"
-#include "frame/zerl_callbacks.h"
-#include "host/operations.h"
 #include "ui_savetypedialog.h"
+#include "window/messagebox.h"
+#include "window/touchfield.h"
 
 namespace
 {
@@ -24,28 +24,22 @@ QRect place_beside_process(const QWidget *parent)
 } // namespace
 
 SaveTypeDialog::SaveTypeDialog(QWidget *parent, uint16_t done)
-    : QDialog(parent), ui(new Ui::SaveTypeDialog), as_found_done(done)
+    : QDialog(parent), ui(std::make_unique<Ui::SaveTypeDialog>()), as_found_done(done)
 {
     ui->setupUi(this);
     setWindowFlags(TITLE_BAR_ONLY);
     setGeometry(place_beside_process(parent));
     connect(ui->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
-    if (g_touch_input) {
-        ui->txtComment->setProperty("keyboard", true);
-        ui->txtComment->installEventFilter(this);
-    }
+    if (g_touch_input)
+        mark_touch_field(ui->txtComment, this);
 }
 
-SaveTypeDialog::~SaveTypeDialog()
-{
-    delete ui;
-}
+SaveTypeDialog::~SaveTypeDialog() = default;
 
 // A double tap opens the field's pad and goes on to the field as well.
 bool SaveTypeDialog::eventFilter(QObject *object, QEvent *event)
 {
-    if (g_touch_input && object == ui->txtComment && event->type() == QEvent::MouseButtonDblClick)
-        request_input_panel(object);
+    hand_double_tap_over(object, event);
     return false;
 }
 
@@ -79,8 +73,7 @@ bool SaveTypeDialog::description_given(QUESTION_MARK mark)
 // in the record all the same.
 void SaveTypeDialog::record(void (MainWindow::*recording)())
 {
-    copyn(__FILE__, __LINE__, g_cfg->table.cal_comment, ui->txtComment->text().toUtf8().constData(),
-          sizeof g_cfg->table.cal_comment);
+    copy_text(g_cfg->table.cal_comment, ui->txtComment->text());
     (g_main_window->*recording)();
     accept();
 }

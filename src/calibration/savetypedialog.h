@@ -4,6 +4,8 @@
 #ifndef CALIBRATION_SAVETYPEDIALOG_H
 #define CALIBRATION_SAVETYPEDIALOG_H
 
+#include <memory>
+
 #include <QDialog>
 
 #include "calibration/processtables.h"
@@ -33,7 +35,7 @@ private:
     bool description_given(QUESTION_MARK mark);
     void record(void (MainWindow::*recording)());
 
-    Ui::SaveTypeDialog *ui;
+    std::unique_ptr<Ui::SaveTypeDialog> ui;
     uint16_t as_found_done;
 };
 

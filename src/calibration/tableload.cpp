@@ -58,11 +58,6 @@ void quicksort(Pair *pairs, int first, int last)
     quicksort(pairs, low, last);
 }
 
-int points_of(const POLY_RANGE_RECORD &range)
-{
-    return std::clamp<int>(range.num_points, 0, MAX_POINTS);
-}
-
 // A straight line through poly[0]'s points becomes the coefficients of target.
 void fit_straight_line(const POLY_RANGE_RECORD &points, POLY_RANGE_RECORD *target)
 {

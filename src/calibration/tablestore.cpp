@@ -7,7 +7,6 @@
 #include <cstring>
 #include <ctime>
 
-#include "calibration/plotcurve.h"
 #include "frame/functions.h"
 #include "host/operations.h"
 

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "host/operations.h"
+
 bool nearly_equal(double a, double b)
 {
     return 1e-6 >= std::fabs(a - b);
@@ -52,4 +54,9 @@ QByteArray for_shell(const char *path)
 QByteArray shown_bytes(const QString &shown, const QByteArray &own)
 {
     return shown == QString::fromUtf8(own) ? own : shown.toUtf8();
+}
+
+void copy_text(char *field, std::size_t size, const QString &text, const char *file, int line)
+{
+    copyn(file, line, field, text.toUtf8().constData(), size);
 }

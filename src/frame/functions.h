@@ -57,6 +57,16 @@ template <std::size_t Size> QByteArray record_bytes(const char (&text)[Size])
     return QByteArray(text, static_cast<int>(qstrnlen(text, Size)));
 }
 
+// Copies a text in UTF-8 into a record's field through the host's copyn, which
+// logs a text that is too long with the caller's place.
+void copy_text(char *field, std::size_t size, const QString &text, const char *file, int line);
+template <std::size_t Size>
+void copy_text(char (&field)[Size], const QString &text, const char *file = __builtin_FILE(),
+               int line = __builtin_LINE())
+{
+    copy_text(field, Size, text, file, line);
+}
+
 // The bytes behind what a widget shows: own, while it shows record_text of them,
 // otherwise the text in UTF-8. A text that is not valid UTF-8 would not come
 // back from its decoding.

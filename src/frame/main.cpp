@@ -7,9 +7,9 @@
 #include <QFile>
 
 #include "frame/mainwindow.h"
-#include "frame/termination.h"
 #include "host/operations.h"
 #include "host/vornaxqt.h"
+#include "window/termination.h"
 
 int main(int argc, char *argv[])
 {
@@ -25,9 +25,9 @@ int main(int argc, char *argv[])
         exit_auth_failure();
     munlockall();
     MainWindow window;
-    g_main_window = &window;
+    set_main_window(&window);
     window.show();
     const int result = QApplication::exec();
-    g_main_window = nullptr;
+    set_main_window(nullptr);
     return result;
 }

@@ -7,26 +7,29 @@
 
 #include <QEvent>
 #include <QIntValidator>
+#include <QMutex>
 
 #include "acquisition/channelbinding.h"
 #include "acquisition/monitorthread.h"
-#include "calibration/process.h"
+#include "calibration/zerl_util.h"
 #include "frame/functions.h"
 #include "frame/hostlink.h"
 #include "frame/relaxed.h"
-#include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "frame/zerl_callbacks.h"
 #include "input/inputdevice.h"
 #include "sensor/configdialog2.h"
 #include "sensor/tolerances.h"
 #include "ui_mainwindow.h"
+#include "window/messagebox.h"
+#include "window/styles.h"
+#include "window/touchfield.h"
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent), m_monitor(nullptr),
       m_table_mutex(nullptr), m_curves{}, m_symbols{}, curve_x{}, curve_y{}, poly_x{}, poly_y{},
       m_point_x(0.0), m_point_y(0.0), m_channel_reverting(false), curves_removed(false),
-      ui(new Ui::MainWindow), force_rescale(false)
+      ui(std::make_unique<Ui::MainWindow>()), force_rescale(false)
 {
     g_first_select = 1;
     m_table_mutex = new QMutex(QMutex::Recursive);
@@ -55,12 +58,17 @@ MainWindow::MainWindow(QWidget *parent)
     ui->cboCurrentChannel->setStyleSheet(QStringLiteral("combobox-popup: 0;"));
 }
 
+void set_main_window(MainWindow *window)
+{
+    g_main_window = window;
+    set_box_parent(window);
+}
+
 // The monitor thread and its mutex are not touched: they die with the process.
 MainWindow::~MainWindow()
 {
     hide();          // a field that loses the focus still finds the window whole
     delete_curves(); // one of them is always detached, so the plot owns them not
-    delete ui;
 }
 
 void MainWindow::set_start_state()
@@ -143,19 +151,14 @@ void MainWindow::set_up_touch_input()
     validator->setLocale(number_locale());
     ui->txtNumPoints->setValidator(validator);
     ui->txtAveragingTime->setValidator(validator);
-    for (QLineEdit *field : fields) {
-        field->setProperty("keyboard", true);
-        field->installEventFilter(this);
-    }
+    for (QLineEdit *field : fields)
+        mark_touch_field(field, this);
 }
 
 // A double tap opens the field's pad and goes on to the field as well.
 bool MainWindow::eventFilter(QObject *object, QEvent *event)
 {
-    const bool watched = object == ui->txtCalibrationQIE || object == ui->txtTechnicianName ||
-                         object == ui->txtNumPoints || object == ui->txtAveragingTime;
-    if (g_touch_input && watched && event->type() == QEvent::MouseButtonDblClick)
-        request_input_panel(object);
+    hand_double_tap_over(object, event);
     return false;
 }
 
@@ -174,7 +177,7 @@ void MainWindow::on_actionTable_Info_triggered()
     if (dialog.exec() != QDialog::Accepted)
         return;
     reset_process_view(this, false);
-    ui->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
+    show_serial_number();
     g_captured_points = 0;
     sync_type_controls(g_cfg);
 }

@@ -1,26 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The one window of the program. Its slots stand in the .cpp of the subsystem
-// they serve; mainwindow.cpp keeps construction, menus and wiring. GUI thread
-// only: the monitor thread reaches it through plotInfo alone.
+// The one window of the program, the roof that alone knows every room. Its slots
+// stand in the rooms they serve, in mainwindow_<subject>.cpp; mainwindow.cpp keeps
+// construction, menus and wiring. GUI thread only: the monitor thread reaches it
+// through plotInfo alone.
 #ifndef FRAME_MAINWINDOW_H
 #define FRAME_MAINWINDOW_H
+
+#include <memory>
+
+#include <memory>
 
 #include <QDateTime>
 #include <QList>
 #include <QMainWindow>
-#include <QMutex>
 #include <QPen>
 
 #include <qwt_scale_map.h>
 
-#include "acquisition/pointinfo.h"
+#include "acquisition/rowwindow.h"
 #include "frame/zerl_cfg.h"
 
+class PointInfo;
+class QLabel;
 class QLineEdit;
 class QwtPlotCurve;
 class QwtSymbol;
 class monitorThread;
+struct ProcessBoxes;
 
 namespace Ui
 {
@@ -37,7 +44,7 @@ enum {
     CURVE_COUNT
 };
 
-class MainWindow : public QMainWindow
+class MainWindow : public QMainWindow, public RowWindow
 {
     Q_OBJECT
 
@@ -60,25 +67,27 @@ public:
     void write_all_row_values();
     void show_table_fields(ZERL_CFG *cfg);
     PointInfo *row(int i) const { return m_rows.at(i); }
+    const QList<PointInfo *> &rows() const { return m_rows; }
 
-    // Takes the present reading and the value (engineering units) as point
-    // `index`; non-zero when the point stands.
-    int store_point(ZERL_CFG *cfg, int32_t index, double value);
-
-    // Judges the record's sensor range: non-zero when it is valid. *reason
-    // receives 0 or the fault's number.
-    int check_sensor_range(uint32_t *reason);
+    // What a row asks for.
+    int store_point(ZERL_CFG *cfg, int32_t index, double value) override;
+    int check_sensor_range(uint32_t *reason) override;
+    void show_serial_number() override;
+    void show_record_ready() override;
+    void empty_next_step() override;
+    void suggest_no_decision() override;
 
     // Controls of the table's type, degree and range.
     bool check_num_points() const;
-    void sync_type_controls(const ZERL_CFG *cfg);
+    void sync_type_controls(const ZERL_CFG *cfg) override;
     void set_range_item_enabled(bool enabled);
-    void show_coefficients(const ZERL_CFG *cfg);
+    void show_coefficients(const ZERL_CFG *cfg) override;
+    void note_degree_on_show(); // in g_poly_order_text
 
     // The plot.
     void setup_plot();
     void remove_curves();
-    void update_plot(ZERL_CFG *cfg);
+    void update_plot(ZERL_CFG *cfg) override;
     void auto_scale_plot();
 
     // The four recordings, called by the recording dialog.
@@ -96,8 +105,8 @@ public:
     // Fills g_specs from the specs file; a box tells when it cannot be opened.
     void read_specs_file();
 
-    Ui::MainWindow *form() const { return ui; }
-    QMutex *table_mutex() const { return m_table_mutex; }
+    ProcessBoxes process_boxes() const;
+    QMutex *table_mutex() const override { return m_table_mutex; }
     monitorThread *monitor() const { return m_monitor; }
     const QwtPlotCurve *curve(int index) const { return m_curves[index]; }
     bool curves_are_removed() const { return curves_removed; }
@@ -129,6 +138,7 @@ private slots:
     void on_txtAveragingTime_textChanged(const QString &text);
 
 protected:
+    Ui::MainWindow *form() const { return ui.get(); }
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
@@ -138,7 +148,6 @@ private:
     void keep_place_of_coefficients();
 
     // Channel selection.
-
     void show_no_channel();
     void no_channel_chosen();
     bool may_leave_channel();
@@ -198,10 +207,14 @@ private:
     bool m_channel_reverting;
     QList<PointInfo *> m_rows;
     bool curves_removed;
-    Ui::MainWindow *ui;
+    std::unique_ptr<Ui::MainWindow> ui;
     QDateTime m_correlation_time;
     bool force_rescale;
     QPen m_pens[CURVE_COUNT];
 };
+
+// Names the window of the program: g_main_window, and the parent of the boxes
+// that computation asks for. Null before and after it.
+void set_main_window(MainWindow *window);
 
 #endif

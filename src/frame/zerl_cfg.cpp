@@ -62,6 +62,21 @@ int range_index(const TABLE_RECORD &table)
     return std::clamp<int>(table.poly_range_index, 0, POLY_RANGES - 1);
 }
 
+int point_count(const LONG_TABLE &long_table)
+{
+    return std::clamp<int>(long_table.num_points, 0, MAX_POINTS);
+}
+
+int points_of(const POLY_RANGE_RECORD &range)
+{
+    return std::clamp<int>(range.num_points, 0, MAX_POINTS);
+}
+
+int rows_in_use()
+{
+    return std::clamp<int>(g_num_points, 0, MAX_POINTS);
+}
+
 const POLY_RANGE_RECORD &range_in_work(const TABLE_RECORD &table)
 {
     return table.poly[table.table_type == TABLE_POLY_RANGE ? range_index(table) : 0];

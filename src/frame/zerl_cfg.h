@@ -191,8 +191,12 @@ const POLY_RANGE_RECORD &range_in_work(const TABLE_RECORD &table);
 // resets.
 void reset_point_statistics(ZERL_CFG *cfg);
 
-// poly_range_index kept within 0 to 7, whatever the record holds.
+// Counts and indices kept within their arrays, whatever the record holds:
+// poly_range_index within 0 to 7, points and rows within 0 to 64.
 int range_index(const TABLE_RECORD &table);
+int point_count(const LONG_TABLE &long_table);
+int points_of(const POLY_RANGE_RECORD &range);
+int rows_in_use(); // g_num_points
 
 Q_DECLARE_METATYPE(ZERL_CFG *)
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/environmentdialog.h"
 
-#include "frame/messagebox.h"
 #include "host/operations.h"
 #include "records/specsfile.h"
 #include "ui_environmentdialog.h"
+#include "window/messagebox.h"
 
 EnvironmentDialog::EnvironmentDialog(QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::EnvironmentDialog>())
@@ -38,10 +38,9 @@ void EnvironmentDialog::on_btnOK_clicked()
 {
     if (ui->txtTempName->text().isEmpty() || ui->tmpBaroName->text().isEmpty() ||
         ui->txtHumidityName->text().isEmpty()) {
-        ask(this, QMessageBox::Warning, QString(),
-            QStringLiteral("Please make sure data has been entered\n"
-                           "for all Environment Variable fields"),
-            QMessageBox::Ok, QMessageBox::Ok);
+        tell(this, QMessageBox::Warning, QString(),
+             QStringLiteral("Please make sure data has been entered\n"
+                            "for all Environment Variable fields"));
         return;
     }
     store();

@@ -9,8 +9,8 @@
 
 #include <QString>
 
+#include "frame/line_rpt.h"
 #include "frame/zerl_cfg.h"
-#include "reports/linearity.h"
 
 enum EXPECTED_VALUE {
     EXPECTED_RANGE_MIN, // nominal validation range

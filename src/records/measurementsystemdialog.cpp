@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "frame/functions.h"
-#include "frame/messagebox.h"
 #include "records/measurementsystem.h"
 #include "ui_measurementsystemdialog.h"
+#include "window/messagebox.h"
 
 namespace
 {
@@ -16,9 +16,9 @@ std::array<QLineEdit *, EXPECTED_VALUES> fields_of(const Ui::MeasurementSystemDi
     return {form.txtValRangeMin, form.txtValRangeMax, form.txtMinExpVal, form.txtMaxExpVal};
 }
 
-void tell(QWidget *owner, const QString &text)
+void warn(QWidget *owner, const QString &text)
 {
-    ask(owner, QMessageBox::Warning, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
+    tell(owner, QMessageBox::Warning, QString(), text);
 }
 
 } // namespace
@@ -47,12 +47,12 @@ void MeasurementSystemDialog::on_btnOK_clicked()
                    [](const QLineEdit *field) { return field->text(); });
     if (std::any_of(texts.begin(), texts.end(),
                     [](const QString &text) { return text.isEmpty(); })) {
-        tell(this, QStringLiteral("Values must be entered in all fields"));
+        warn(this, QStringLiteral("Values must be entered in all fields"));
         return;
     }
     const EXPECTED_VALUE refused = store_expected_values(texts, g_env, &g_line_rpt);
     if (refused != EXPECTED_VALUES) {
-        tell(this, invalid_value_text(refused));
+        warn(this, invalid_value_text(refused));
         return;
     }
     accept();

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "frame/functions.h"
 #include "host/operations.h"
 #include "records/keywordlines.h"
 
@@ -27,11 +28,6 @@ const Entry ENTRIES[] = {
     {"@WS_SERIAL_NO_KEYWORD", &WorkingStandard::serial_no},
     {"@WS_RANGE_KEYWORD", &WorkingStandard::range},
 };
-
-template <std::size_t Size> void store(char (&field)[Size], const QString &text)
-{
-    copyn(__FILE__, __LINE__, field, text.toUtf8().constData(), Size);
-}
 
 } // namespace
 
@@ -93,10 +89,10 @@ void write_working_standard(const WorkingStandard &standard)
 
 void store_working_standard(const WorkingStandard &standard, LINE_RPT *report)
 {
-    store(report->ws_qie_number, standard.name);
-    store(report->ws_make, standard.make);
-    store(report->ws_model, standard.model);
-    store(report->ws_cal_date, standard.cal_date);
-    store(report->ws_serial_no, standard.serial_no);
-    store(report->ws_range, standard.range);
+    copy_text(report->ws_qie_number, standard.name);
+    copy_text(report->ws_make, standard.make);
+    copy_text(report->ws_model, standard.model);
+    copy_text(report->ws_cal_date, standard.cal_date);
+    copy_text(report->ws_serial_no, standard.serial_no);
+    copy_text(report->ws_range, standard.range);
 }

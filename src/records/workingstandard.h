@@ -11,7 +11,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include "reports/linearity.h"
+#include "frame/line_rpt.h"
 
 constexpr char WORKING_STANDARD_FOLDER[] = "/specs/working_standards/";
 

@@ -3,8 +3,8 @@
 
 #include <QDir>
 
-#include "frame/messagebox.h"
 #include "ui_workingstandarddialog.h"
+#include "window/messagebox.h"
 
 namespace
 {
@@ -15,9 +15,9 @@ bool folder_stands()
     return QDir(folder).exists() || QDir().mkpath(folder);
 }
 
-void tell(QWidget *owner, const QString &text)
+void warn(QWidget *owner, const QString &text)
 {
-    ask(owner, QMessageBox::Warning, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
+    tell(owner, QMessageBox::Warning, QString(), text);
 }
 
 } // namespace
@@ -30,7 +30,7 @@ WorkingStandardDialog::WorkingStandardDialog(QLineEdit *name_source, QWidget *pa
     const QString name = name_source->text();
     ui->lblWSName->setText(name);
     if (!folder_stands()) {
-        tell(parent, QStringLiteral("The %1 directory does not exist.\n\n"
+        warn(parent, QStringLiteral("The %1 directory does not exist.\n\n"
                                     "Please create this directory in order for entered Working "
                                     "Standard information to be saved")
                          .arg(QLatin1String(WORKING_STANDARD_FOLDER)));
@@ -75,7 +75,7 @@ void WorkingStandardDialog::on_btnWSOK_clicked()
 {
     const WorkingStandard standard = entered();
     if (!is_complete(standard)) {
-        tell(this, QStringLiteral("Please make sure data has been entered\n"
+        warn(this, QStringLiteral("Please make sure data has been entered\n"
                                   "for all Working Standard fields"));
         return;
     }

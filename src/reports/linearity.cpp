@@ -6,8 +6,6 @@
 #include "reports/linearitydump.h"
 #include "reports/linearityfigures.h"
 
-LINE_RPT g_line_rpt = {};
-
 void calc_line_rpt_values(ZERL_CFG *cfg)
 {
     const LinearityFigures figures = linearity_figures(

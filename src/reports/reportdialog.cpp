@@ -3,10 +3,10 @@
 
 #include <QInputDialog>
 
-#include "frame/messagebox.h"
-#include "host/operations.h"
+#include "frame/functions.h"
 #include "records/specsfile.h"
 #include "ui_reportdialog.h"
+#include "window/messagebox.h"
 
 ReportDialog::ReportDialog(QWidget *parent, bool email_allowed)
     : QDialog(parent), ui(std::make_unique<Ui::ReportDialog>())
@@ -70,12 +70,11 @@ void ReportDialog::on_btnAddEmailAddress_clicked()
         QLineEdit::Normal, QString(), &entered);
     const int slot = specs_email_count(*g_specs);
     if (!entered || text.isEmpty() || slot == REPORT_EMAILS) {
-        ask(this, QMessageBox::Warning, QStringLiteral("No Email Address Added"),
-            QStringLiteral("No email address will be added."), QMessageBox::Ok, QMessageBox::Ok);
+        tell(this, QMessageBox::Warning, QStringLiteral("No Email Address Added"),
+             QStringLiteral("No email address will be added."));
         return;
     }
-    copyn(__FILE__, __LINE__, g_specs->report_email[slot], text.toUtf8().constData(),
-          TYPED_EMAIL_SIZE);
+    copy_text(g_specs->report_email[slot], TYPED_EMAIL_SIZE, text, __FILE__, __LINE__);
     g_specs->report_email_count = slot + 1;
     fill_email_addresses(true);
     save_specs_file();

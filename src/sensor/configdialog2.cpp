@@ -7,9 +7,6 @@
 #include <QMessageBox>
 
 #include "frame/functions.h"
-#include "frame/messagebox.h"
-#include "frame/numbervalidator.h"
-#include "frame/zerl_callbacks.h"
 #include "frame/zerl_cfg.h"
 #include "host/operations.h"
 #include "sensor/tablevalueunitsdialog.h"
@@ -17,6 +14,9 @@
 #include "sensor/unitcatalogue.h"
 #include "sensor/unitkeywords.h"
 #include "ui_configdialog2.h"
+#include "window/messagebox.h"
+#include "window/numbervalidator.h"
+#include "window/touchfield.h"
 
 namespace
 {
@@ -62,10 +62,8 @@ ConfigDialog2::~ConfigDialog2() = default;
 void ConfigDialog2::set_up_touch_input()
 {
     for (QLineEdit *field : {ui->txtDescription, ui->txtSerialNumber, ui->txtSensorMfgModel,
-                             ui->txtLowerRangeLimit, ui->txtUpperRangeLimit}) {
-        field->setProperty("keyboard", true);
-        field->installEventFilter(this);
-    }
+                             ui->txtLowerRangeLimit, ui->txtUpperRangeLimit})
+        mark_touch_field(field, this);
     auto *const validator = new NumberValidator(this);
     ui->txtLowerRangeLimit->setValidator(validator);
     ui->txtUpperRangeLimit->setValidator(validator);
@@ -74,9 +72,7 @@ void ConfigDialog2::set_up_touch_input()
 // A double tap opens the field's pad and goes on to the field as well.
 bool ConfigDialog2::eventFilter(QObject *object, QEvent *event)
 {
-    // Only the dialog's own text fields have it as their filter.
-    if (g_touch_input && event->type() == QEvent::MouseButtonDblClick)
-        request_input_panel(object);
+    hand_double_tap_over(object, event);
     return false;
 }
 
@@ -84,7 +80,7 @@ void ConfigDialog2::tell(const QString &title, const QString &text)
 {
     // Before the dialog shows, a box of its own would stand where it is not yet.
     QWidget *const owner = isVisible() ? this : parentWidget();
-    ask(owner, QMessageBox::Warning, title, text, QMessageBox::Ok, QMessageBox::Ok);
+    ::tell(owner, QMessageBox::Warning, title, text);
 }
 
 void ConfigDialog2::fill_form()

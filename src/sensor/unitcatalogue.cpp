@@ -5,7 +5,6 @@
 #include <cstring>
 #include <strings.h>
 
-#include "calibration/plotcurve.h"
 #include "frame/functions.h"
 #include "frame/relaxed.h"
 #include "host/exports.h"

@@ -6,12 +6,11 @@
 #include <QScrollBar>
 
 #include "calibration/comparison.h"
-#include "calibration/plotcurve.h"
 #include "ui_currentcalibrationstatsdialog.h"
 #include "views/statinfo.h"
 
 CurrentCalibrationStatsDialog::CurrentCalibrationStatsDialog(QWidget *parent)
-    : QDialog(parent), ui(new Ui::CurrentCalibrationStatsDialog),
+    : QDialog(parent), ui(std::make_unique<Ui::CurrentCalibrationStatsDialog>()),
       cfg(g_cfg != nullptr ? g_cfg : get_cfg_pointer())
 {
     ui->setupUi(this);
@@ -23,10 +22,7 @@ CurrentCalibrationStatsDialog::CurrentCalibrationStatsDialog(QWidget *parent)
             &CurrentCalibrationStatsDialog::show_rows_in_reach);
 }
 
-CurrentCalibrationStatsDialog::~CurrentCalibrationStatsDialog()
-{
-    delete ui;
-}
+CurrentCalibrationStatsDialog::~CurrentCalibrationStatsDialog() = default;
 
 void CurrentCalibrationStatsDialog::add_rows(int count)
 {

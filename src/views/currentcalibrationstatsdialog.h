@@ -5,6 +5,8 @@
 #ifndef VIEWS_CURRENTCALIBRATIONSTATSDIALOG_H
 #define VIEWS_CURRENTCALIBRATIONSTATSDIALOG_H
 
+#include <memory>
+
 #include <QDialog>
 #include <QList>
 
@@ -34,7 +36,7 @@ private:
     void show_rows_in_reach();
 
     QList<StatInfo *> m_rows;
-    Ui::CurrentCalibrationStatsDialog *ui;
+    std::unique_ptr<Ui::CurrentCalibrationStatsDialog> ui;
     const ZERL_CFG *cfg;
 };
 

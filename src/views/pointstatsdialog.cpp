@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/pointstatsdialog.h"
 
-#include "calibration/plotcurve.h"
 #include "ui_pointstatsdialog.h"
 #include "views/statisticscells.h"
 #include "views/statisticstable.h"
 
 PointStatsDialog::PointStatsDialog(QWidget *parent)
-    : QDialog(parent), ui(new Ui::PointStatsDialog),
+    : QDialog(parent), ui(std::make_unique<Ui::PointStatsDialog>()),
       cfg(g_cfg != nullptr ? g_cfg : get_cfg_pointer())
 {
     ui->setupUi(this);
@@ -16,10 +15,7 @@ PointStatsDialog::PointStatsDialog(QWidget *parent)
     fill();
 }
 
-PointStatsDialog::~PointStatsDialog()
-{
-    delete ui;
-}
+PointStatsDialog::~PointStatsDialog() = default;
 
 void PointStatsDialog::fill()
 {

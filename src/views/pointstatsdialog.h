@@ -5,6 +5,8 @@
 #ifndef VIEWS_POINTSTATSDIALOG_H
 #define VIEWS_POINTSTATSDIALOG_H
 
+#include <memory>
+
 #include <QDialog>
 
 #include "frame/zerl_cfg.h"
@@ -25,7 +27,7 @@ public:
 private:
     void fill();
 
-    Ui::PointStatsDialog *ui;
+    std::unique_ptr<Ui::PointStatsDialog> ui;
     const ZERL_CFG *cfg;
 };
 

@@ -3,15 +3,15 @@
 
 #include <algorithm>
 
-#include "calibration/plotcurve.h"
 #include "calibration/polydeviation.h"
 #include "reports/linearity.h"
 #include "ui_polyregressiondialog.h"
 #include "views/statisticscells.h"
 #include "views/statisticstable.h"
+#include "window/coefficientlabels.h"
 
 PolyRegressionDialog::PolyRegressionDialog(QWidget *parent)
-    : QDialog(parent), ui(new Ui::PolyRegressionDialog),
+    : QDialog(parent), ui(std::make_unique<Ui::PolyRegressionDialog>()),
       cfg(g_cfg != nullptr ? g_cfg : get_cfg_pointer())
 {
     ui->setupUi(this);
@@ -22,10 +22,7 @@ PolyRegressionDialog::PolyRegressionDialog(QWidget *parent)
     ui->tblCalInfo->resizeColumnsToContents();
 }
 
-PolyRegressionDialog::~PolyRegressionDialog()
-{
-    delete ui;
-}
+PolyRegressionDialog::~PolyRegressionDialog() = default;
 
 void PolyRegressionDialog::calc_poly_r_squared()
 {
@@ -49,19 +46,14 @@ void PolyRegressionDialog::fill_coefficients()
     ui->grpCoeffInfo->setVisible(shown);
     if (!shown)
         return;
-    QLabel *const names[] = {ui->lblCoeff0, ui->lblCoeff1, ui->lblCoeff2, ui->lblCoeff3,
-                             ui->lblCoeff4, ui->lblCoeff5, ui->lblCoeff6, ui->lblCoeff7};
-    QLabel *const values[] = {ui->lblCoeff0Value, ui->lblCoeff1Value, ui->lblCoeff2Value,
-                              ui->lblCoeff3Value, ui->lblCoeff4Value, ui->lblCoeff5Value,
-                              ui->lblCoeff6Value, ui->lblCoeff7Value};
-    constexpr int LABELS = static_cast<int>(std::size(names));
+    const CoefficientLabels labels = coefficient_labels(*ui);
     const POLY_RANGE_RECORD &range = cfg->table.poly[0];
-    const int count = std::clamp<int>(range.num_coeffs, 0, LABELS);
-    for (int i = 0; i < LABELS; ++i) {
-        names[i]->setVisible(i < count);
-        values[i]->setVisible(i < count);
-        if (i < count)
-            values[i]->setText(figure_text(range.coeffs[i]));
+    const int count = std::clamp<int>(range.num_coeffs, 0, static_cast<int>(labels.size()));
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+        const bool used = static_cast<int>(i) < count;
+        labels[i].set_visible(used);
+        if (used)
+            labels[i].value->setText(figure_text(range.coeffs[i]));
     }
     // The straight line's, though it stands among the polynomial's coefficients.
     ui->lblRSquaredValue->setText(figure_text(g_line_rpt.r2));

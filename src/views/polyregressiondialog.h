@@ -6,6 +6,8 @@
 #ifndef VIEWS_POLYREGRESSIONDIALOG_H
 #define VIEWS_POLYREGRESSIONDIALOG_H
 
+#include <memory>
+
 #include <QDialog>
 
 #include "frame/zerl_cfg.h"
@@ -31,7 +33,7 @@ private:
     void fill_coefficients();
     void fill_regression();
 
-    Ui::PolyRegressionDialog *ui;
+    std::unique_ptr<Ui::PolyRegressionDialog> ui;
     ZERL_CFG *cfg;
 };
 

@@ -4,16 +4,14 @@
 #include "ui_statinfo.h"
 #include "views/statisticscells.h"
 
-StatInfo::StatInfo(int16_t row, QWidget *parent) : QWidget(parent), ui(new Ui::StatInfo), index(row)
+StatInfo::StatInfo(int16_t row, QWidget *parent)
+    : QWidget(parent), ui(std::make_unique<Ui::StatInfo>()), index(row)
 {
     ui->setupUi(this);
     ui->lblIndexNum->setNum(index + 1);
 }
 
-StatInfo::~StatInfo()
-{
-    delete ui;
-}
+StatInfo::~StatInfo() = default;
 
 void StatInfo::setCurrentCalibration(double value)
 {

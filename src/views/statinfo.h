@@ -4,6 +4,8 @@
 #ifndef VIEWS_STATINFO_H
 #define VIEWS_STATINFO_H
 
+#include <memory>
+
 #include <QWidget>
 
 namespace Ui
@@ -31,7 +33,7 @@ public:
     void setPreviousToStraightLine(double value);
 
 private:
-    Ui::StatInfo *ui;
+    std::unique_ptr<Ui::StatInfo> ui;
     int16_t index;
 };
 

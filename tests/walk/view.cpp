@@ -4,7 +4,7 @@
 #include <QStandardItemModel>
 
 #include "frame/mainwindow.h"
-#include "ui_mainwindow.h"
+#include "support/windowform.h"
 
 namespace walk
 {
@@ -205,8 +205,8 @@ View look(const MainWindow &window)
     View seen;
     for (int i = 0; i < ROWS; ++i)
         seen.rows[static_cast<std::size_t>(i)] = look_at_row(*window.row(i));
-    look_at_process(*window.form(), &seen);
-    look_at_controls(*window.form(), &seen);
+    look_at_process(*form_of(&window), &seen);
+    look_at_controls(*form_of(&window), &seen);
     seen.curves_removed = window.curves_are_removed();
     seen.open = !window.isHidden();
     return seen;

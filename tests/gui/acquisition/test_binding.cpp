@@ -7,11 +7,11 @@
 
 #include <qwt_plot.h>
 
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "sensor/tolerances.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 class Binding : public QObject
 {

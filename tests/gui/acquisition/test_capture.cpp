@@ -3,10 +3,10 @@
 // The life of a point: capture, refusal, undo, and what each leaves behind.
 #include <QtTest>
 
-#include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -5,10 +5,10 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
-#include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "gui/frame/testwindow.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -7,10 +7,10 @@
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
 
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 class FirstSelection : public QObject
 {

@@ -9,10 +9,10 @@
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
 
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "sensor/configdialog2.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -4,9 +4,9 @@
 // becomes of the work.
 #include <QtTest>
 
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -3,9 +3,9 @@
 // What an undo leaves alone, taken or cancelled.
 #include <QtTest>
 
-#include "frame/styles.h"
 #include "gui/frame/heldmutex.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 class Undo : public QObject
 {

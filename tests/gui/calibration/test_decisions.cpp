@@ -6,10 +6,10 @@
 #include <QtTest>
 
 #include "frame/hostlink.h"
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

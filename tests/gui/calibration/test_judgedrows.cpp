@@ -8,10 +8,10 @@
 #include <QtTest>
 
 #include "calibration/classification.h"
-#include "calibration/judgedrows.h"
-#include "frame/styles.h"
+#include "calibration/zerl_util.h"
 #include "gui/frame/testwindow.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

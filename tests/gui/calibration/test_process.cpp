@@ -3,10 +3,10 @@
 // The process panel: what resets it, and when a recording is ready.
 #include <QtTest>
 
-#include "calibration/process.h"
-#include "frame/styles.h"
+#include "calibration/zerl_util.h"
 #include "gui/frame/testwindow.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 class Process : public QObject
 {

@@ -3,7 +3,7 @@
 // Corners of the process that no table of rows holds.
 #include <QtTest>
 
-#include "calibration/process.h"
+#include "calibration/zerl_util.h"
 #include "gui/calibration/processpanel.h"
 #include "support/testmain.h"
 

@@ -8,11 +8,11 @@
 #include <qwt_scale_div.h>
 
 #include "calibration/savetypedialog.h"
-#include "frame/styles.h"
 #include "gui/frame/heldmutex.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -179,7 +179,7 @@ void Exit::closing_while_the_monitor_thread_runs_does_not_hang()
     QVERIFY(m_it->window->close());
     delete m_it->window;
     m_it->window = nullptr;
-    g_main_window = nullptr;
+    set_main_window(nullptr);
     QVERIFY(monitor->isRunning());
     relaxed_store(g_cfg->monitor_pass_done, uint16_t(0));
     QTRY_COMPARE_WITH_TIMEOUT(relaxed_load(g_cfg->monitor_pass_done), uint16_t(1), DEADLINE_MS);

@@ -7,10 +7,10 @@
 #include <QtTest>
 
 #include "calibration/classification.h"
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
+#include "window/styles.h"
 
 namespace
 {

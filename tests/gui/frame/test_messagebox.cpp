@@ -5,9 +5,9 @@
 
 #include "calibration/questions.h"
 #include "frame/functions.h"
-#include "frame/messagebox.h"
 #include "support/boxanswerer.h"
 #include "support/testmain.h"
+#include "window/messagebox.h"
 
 class MessageBoxes : public QObject
 {

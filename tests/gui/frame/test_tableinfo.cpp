@@ -6,9 +6,9 @@
 
 #include <QtTest>
 
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

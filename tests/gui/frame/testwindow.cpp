@@ -70,8 +70,8 @@ TestWindow::TestWindow(const QByteArray &cell_description,
     QApplication::setQuitOnLastWindowClosed(false);
     g_rebuild_wait_ms = 0;
     window = make();
-    g_main_window = window;
-    form = window->form();
+    set_main_window(window);
+    form = form_of(window);
     // Never deleted by the window: they live as long as the process.
     static auto *const kept = new QVector<void *>;
     kept->append(window->monitor());
@@ -82,7 +82,7 @@ TestWindow::TestWindow(const QByteArray &cell_description,
 TestWindow::~TestWindow()
 {
     delete window;
-    g_main_window = nullptr;
+    set_main_window(nullptr);
 }
 
 int TestWindow::item_of(int channel) const

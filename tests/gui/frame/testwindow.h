@@ -22,6 +22,7 @@
 
 #include "acquisition/channelbinding.h"
 #include "acquisition/monitorthread.h"
+#include "acquisition/pointinfo.h"
 #include "calibration/tablestore.h"
 #include "frame/mainwindow.h"
 #include "frame/relaxed.h"
@@ -29,7 +30,7 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
-#include "ui_mainwindow.h"
+#include "support/windowform.h"
 
 // Long enough for a busy machine under a sanitizer; nothing waits it out.
 constexpr int DEADLINE_MS = 60000;

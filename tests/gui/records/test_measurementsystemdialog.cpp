@@ -3,9 +3,9 @@
 // The dialog of the measurement system under test.
 #include <QtTest>
 
+#include "frame/line_rpt.h"
 #include "gui/sensor/tableinformation.h"
 #include "records/measurementsystemdialog.h"
-#include "reports/linearity.h"
 #include "support/testmain.h"
 
 namespace

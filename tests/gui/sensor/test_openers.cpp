@@ -8,11 +8,11 @@
 
 #include <QtTest>
 
-#include "frame/styles.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
 #include "sensor/sensorrange.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

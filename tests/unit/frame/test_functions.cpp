@@ -9,9 +9,9 @@
 
 #include "frame/functions.h"
 #include "frame/relaxed.h"
-#include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "support/testmain.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -2,8 +2,8 @@
 //
 // Style sheets that are set on widgets and read back: they are state, so their
 // texts are exact.
-#ifndef FRAME_STYLES_H
-#define FRAME_STYLES_H
+#ifndef WINDOW_STYLES_H
+#define WINDOW_STYLES_H
 
 constexpr char STYLE_WHITE[] = "background-color: white";
 constexpr char STYLE_READY[] = "background-color: rgb(126,232,255)";

@@ -8,12 +8,13 @@
 #include <QSignalBlocker>
 
 #include "acquisition/monitorthread.h"
-#include "calibration/process.h"
+#include "acquisition/pointinfo.h"
 #include "calibration/questions.h"
+#include "calibration/zerl_util.h"
 #include "frame/relaxed.h"
-#include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "ui_mainwindow.h"
+#include "window/styles.h"
 
 namespace
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frame/termination.h"
+#include "window/termination.h"
 
 #include <cerrno>
 #include <csignal>

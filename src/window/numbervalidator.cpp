@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frame/numbervalidator.h"
+#include "window/numbervalidator.h"
 
 #include "frame/functions.h"
 

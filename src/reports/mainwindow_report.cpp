@@ -7,8 +7,8 @@
 
 #include <unistd.h>
 
-#include "frame/messagebox.h"
 #include "reports/previousreport.h"
+#include "window/messagebox.h"
 
 // A name of the host may hold bytes that are no text, so the path is looked up as
 // it stands. The window waits for the browser. What the shell makes of the command is not
@@ -17,13 +17,11 @@ void MainWindow::on_actionView_Previous_Calibration_Report_triggered()
 {
     const QByteArray path = previous_report_path(g_cfg->table);
     if (::access(path.constData(), F_OK) != 0) {
-        ask(this, QMessageBox::Information, QStringLiteral("No Previous Report"),
-            QStringLiteral("No Previous Calibration Report Exists"), QMessageBox::Ok,
-            QMessageBox::Ok);
+        tell(this, QMessageBox::Information, QStringLiteral("No Previous Report"),
+             QStringLiteral("No Previous Calibration Report Exists"));
         return;
     }
     if (std::system(browser_command(path).constData()) == -1)
-        ask(this, QMessageBox::Warning, QStringLiteral("Error"),
-            QStringLiteral("Error displaying previous calibration report"), QMessageBox::Ok,
-            QMessageBox::Ok);
+        tell(this, QMessageBox::Warning, QStringLiteral("Error"),
+             QStringLiteral("Error displaying previous calibration report"));
 }

@@ -6,13 +6,15 @@
 #include <algorithm>
 #include <optional>
 
-#include "calibration/plotcurve.h"
+#include "acquisition/pointinfo.h"
+#include "calibration/zerl_util.h"
+
 #include "frame/functions.h"
 #include "frame/relaxed.h"
-#include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "sensor/sensorrange.h"
 #include "ui_mainwindow.h"
+#include "window/styles.h"
 
 namespace
 {
@@ -64,7 +66,7 @@ void MainWindow::hide_rows()
 
 void MainWindow::show_rows()
 {
-    const int count = std::min<int>(g_num_points, MAX_POINTS);
+    const int count = rows_in_use();
     for (int i = 0; i < count; ++i)
         row(i)->set_children_visible(true);
 }
@@ -126,4 +128,25 @@ int MainWindow::check_sensor_range(uint32_t *reason)
 {
     *reason = sensor_range_reason(g_cfg->table);
     return *reason == 0 ? 1 : 0;
+}
+
+void MainWindow::show_serial_number()
+{
+    ui->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
+}
+
+void MainWindow::show_record_ready()
+{
+    update_record_ready(this);
+}
+
+void MainWindow::empty_next_step()
+{
+    ui->lblNextStep->setText(QString());
+}
+
+void MainWindow::suggest_no_decision()
+{
+    ui->btnAdjustCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
+    ui->btnReuseCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
 }

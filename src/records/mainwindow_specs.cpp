@@ -3,8 +3,8 @@
 // The specs file as the window reads it.
 #include "frame/mainwindow.h"
 
-#include "frame/messagebox.h"
 #include "records/specsfile.h"
+#include "window/messagebox.h"
 
 void MainWindow::read_specs_file()
 {

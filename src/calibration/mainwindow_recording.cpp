@@ -5,23 +5,18 @@
 
 #include <QLocale>
 
+#include "acquisition/pointinfo.h"
 #include "calibration/classification.h"
-#include "calibration/judgedrows.h"
-#include "calibration/process.h"
 #include "calibration/questions.h"
 #include "calibration/savetypedialog.h"
 #include "calibration/tablestore.h"
-#include "frame/styles.h"
-#include "host/operations.h"
+#include "calibration/zerl_util.h"
+#include "frame/functions.h"
 #include "ui_mainwindow.h"
+#include "window/styles.h"
 
 namespace
 {
-
-template <std::size_t Size> void copy_text(char (&copy)[Size], const QString &text)
-{
-    copyn(__FILE__, __LINE__, copy, text.toUtf8().constData(), Size);
-}
 
 // An empty process box, white again, with its copy.
 void empty_box(QLineEdit *box, char (&copy)[80])

@@ -4,13 +4,12 @@
 #include "frame/mainwindow.h"
 
 #include "calibration/classification.h"
-#include "calibration/judgedrows.h"
-#include "calibration/process.h"
 #include "calibration/questions.h"
 #include "calibration/tablestore.h"
-#include "frame/styles.h"
-#include "host/operations.h"
+#include "calibration/zerl_util.h"
+#include "frame/functions.h"
 #include "ui_mainwindow.h"
+#include "window/styles.h"
 
 namespace
 {
@@ -45,8 +44,7 @@ void MainWindow::decide(bool adjust)
     paint_box(ui->txtAfterService, decision.after_service);
     if (decision.after_service != BOX_KEEPS) {
         ui->txtAfterService->setText(QStringLiteral("N/A"));
-        copyn(__FILE__, __LINE__, g_ws_block->after_service_time, "N/A",
-              sizeof g_ws_block->after_service_time);
+        copy_text(g_ws_block->after_service_time, ui->txtAfterService->text());
     }
     finish_decision(adjust);
 }
@@ -58,10 +56,8 @@ void MainWindow::finish_decision(bool adjust)
     ui->btnAdjustCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
     ui->btnReuseCalibration->setStyleSheet(QLatin1String(STYLE_IDLE));
     TABLE_RECORD &table = g_cfg->table;
-    copyn(__FILE__, __LINE__, table.qie, ui->txtCalibrationQIE->text().toUtf8().constData(),
-          sizeof table.qie);
-    copyn(__FILE__, __LINE__, table.verified_by, ui->txtTechnicianName->text().toUtf8().constData(),
-          sizeof table.verified_by);
+    copy_text(table.qie, ui->txtCalibrationQIE->text());
+    copy_text(table.verified_by, ui->txtTechnicianName->text());
     if (adjust)
         save_calibration(g_cfg, SAVE_ADJUSTED);
     else

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The modal boxes of the program: a title bar without a close button.
-#ifndef FRAME_MESSAGEBOX_H
-#define FRAME_MESSAGEBOX_H
+#ifndef WINDOW_MESSAGEBOX_H
+#define WINDOW_MESSAGEBOX_H
 
 #include <QMessageBox>
 
@@ -10,10 +10,16 @@
 constexpr Qt::WindowFlags TITLE_BAR_ONLY =
     Qt::Dialog | Qt::WindowTitleHint | Qt::CustomizeWindowHint;
 
+// The window above which the boxes of the computation stand; null: none.
+void set_box_parent(QWidget *window);
+
 // Shows the box and returns the standard button that answered it. A box that the
 // program's end closes answers with the button that changes nothing.
 QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton default_button);
+
+// The same with OK alone, where nothing is decided.
+void tell(QWidget *parent, QMessageBox::Icon icon, const QString &title, const QString &text);
 
 #endif

@@ -12,6 +12,7 @@
 #include "calibration/zerl_util.h"
 #include "frame/relaxed.h"
 #include "ui_mainwindow.h"
+#include "window/coefficientlabels.h"
 
 namespace
 {
@@ -81,7 +82,7 @@ void MainWindow::sync_type_controls(const ZERL_CFG *cfg)
     } else {
         return;
     }
-    g_poly_order_text = ui->cboOrderOfPolynomial->currentText();
+    note_degree_on_show();
     set_range_item_enabled(true);
     ui->coeffFrame->show();
     show_coefficients(cfg);
@@ -109,7 +110,7 @@ void MainWindow::choose_type_poly()
     // The second range is read, not the one in work: the combo's index stands in
     // for it, and that is kept.
     select_degree(g_cfg->table.poly[ITEM_POLY].num_points - 1);
-    g_poly_order_text = ui->cboOrderOfPolynomial->currentText();
+    note_degree_on_show();
     set_range_item_enabled(true);
     ui->cboOrderOfPolynomial->setEnabled(true);
     // Last, with its labels filled: shown before them, each label that appears
@@ -163,7 +164,27 @@ void MainWindow::on_cboPolyRangeIndex_currentIndexChanged(int index)
     g_cfg->redraw_all = 1;
     g_cfg->table_dirty = 0;
     sync_type_controls(g_cfg);
-    g_poly_order_text = ui->cboOrderOfPolynomial->currentText();
+    note_degree_on_show();
     update_plot(g_cfg);
     show_coefficients(g_cfg);
+}
+
+void MainWindow::note_degree_on_show()
+{
+    g_poly_order_text = ui->cboOrderOfPolynomial->currentText();
+}
+
+void MainWindow::show_coefficients(const ZERL_CFG *cfg)
+{
+    const bool polynomial =
+        cfg->table.table_type == TABLE_POLY || cfg->table.table_type == TABLE_POLY_RANGE;
+    const POLY_RANGE_RECORD &range = range_in_work(cfg->table);
+    int i = 0;
+    for (const CoefficientLabel &label : coefficient_labels(*ui)) {
+        const bool shown = polynomial && i < range.num_coeffs;
+        if (shown)
+            label.value->setText(QString::number(range.coeffs[i], 'g', 6));
+        label.set_visible(shown);
+        ++i;
+    }
 }

@@ -3,7 +3,7 @@
 // The change of the table's units.
 #include "frame/mainwindow.h"
 
-#include "calibration/process.h"
+#include "calibration/zerl_util.h"
 #include "frame/functions.h"
 #include "sensor/tablevalueunitsdialog.h"
 #include "sensor/tolerances.h"

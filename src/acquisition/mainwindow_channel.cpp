@@ -9,17 +9,17 @@
 
 #include "acquisition/channelbinding.h"
 #include "acquisition/monitorthread.h"
-#include "calibration/process.h"
+#include "acquisition/pointinfo.h"
 #include "calibration/questions.h"
 #include "calibration/zerl_util.h"
 #include "frame/functions.h"
-#include "frame/messagebox.h"
 #include "frame/relaxed.h"
-#include "frame/styles.h"
 #include "frame/tablelock.h"
-#include "frame/termination.h"
 #include "sensor/configdialog2.h"
 #include "ui_mainwindow.h"
+#include "window/messagebox.h"
+#include "window/styles.h"
+#include "window/termination.h"
 
 #include <qwt_plot.h>
 
@@ -78,9 +78,8 @@ void MainWindow::no_channel_chosen()
         g_first_select = 0;
         return;
     }
-    ask(this, QMessageBox::Information, QString(),
-        QStringLiteral("Please select a valid channel number and name"), QMessageBox::Ok,
-        QMessageBox::Ok);
+    tell(this, QMessageBox::Information, QString(),
+         QStringLiteral("Please select a valid channel number and name"));
     if (!termination_requested())
         revert_channel(g_cfg->channel);
 }
@@ -89,16 +88,16 @@ void MainWindow::no_channel_chosen()
 bool MainWindow::may_leave_channel()
 {
     switch (first_unfinished(this, g_cfg)) {
-    case UNFINISHED_POINTS:
+    case Unfinished::Points:
         if (ask_question(this, QUESTION_L1))
             return true;
         recount_captured_rows();
         return false;
-    case UNFINISHED_CALIBRATION:
+    case Unfinished::Calibration:
         return ask_question(this, QUESTION_L2);
-    case UNFINISHED_TABLE:
+    case Unfinished::Table:
         return ask_question(this, QUESTION_L3);
-    case UNFINISHED_NOTHING:
+    case Unfinished::Nothing:
         break;
     }
     return true;
@@ -174,7 +173,7 @@ void MainWindow::repair_sensor_range(uint32_t reason)
     if (termination_requested())
         return;
     if (accepted && dialog.reason_code == 0) {
-        ui->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));
+        show_serial_number();
         reset_process_view(this, true);
         return;
     }

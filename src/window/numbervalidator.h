@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The validator of the number fields of a touch screen cell.
-#ifndef FRAME_NUMBERVALIDATOR_H
-#define FRAME_NUMBERVALIDATOR_H
+#ifndef WINDOW_NUMBERVALIDATOR_H
+#define WINDOW_NUMBERVALIDATOR_H
 
 #include <QDoubleValidator>
 

@@ -1,8 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frame/messagebox.h"
+#include "window/messagebox.h"
+
+#include <QPointer>
 
 #include "frame/functions.h"
-#include "frame/mainwindow.h"
+
+namespace
+{
+QPointer<QWidget> box_parent;
+}
+
+void set_box_parent(QWidget *window)
+{
+    box_parent = window;
+}
 
 QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                                 const QString &text, QMessageBox::StandardButtons buttons,
@@ -18,14 +29,19 @@ QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const Q
                              : default_button;
 }
 
+void tell(QWidget *parent, QMessageBox::Icon icon, const QString &title, const QString &text)
+{
+    ask(parent, icon, title, text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
 void show_information(const char *text)
 {
-    ask(g_main_window, QMessageBox::Information, QStringLiteral("Information"),
+    ask(box_parent, QMessageBox::Information, QStringLiteral("Information"),
         QString::fromUtf8(text), QMessageBox::Ok, QMessageBox::Ok);
 }
 
 void show_warning(const char *title, const char *text)
 {
-    ask(g_main_window, QMessageBox::Warning, QString::fromUtf8(title), QString::fromUtf8(text),
+    ask(box_parent, QMessageBox::Warning, QString::fromUtf8(title), QString::fromUtf8(text),
         QMessageBox::Ok, QMessageBox::Ok);
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // SIGTERM ends the program with status 0, also during a modal dialog.
-#ifndef FRAME_TERMINATION_H
-#define FRAME_TERMINATION_H
+#ifndef WINDOW_TERMINATION_H
+#define WINDOW_TERMINATION_H
 
 // Installs the handler; the application object must exist. The handler itself
 // only writes one byte; a notifier on the GUI thread ends the event loops.
