@@ -4,48 +4,49 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
+#include <QSet>
 
 namespace
 {
 
-const QString ANY = QStringLiteral("any");
-const QString FRAME_WINDOWS = QStringLiteral("src/frame, windows");
-const QString INPUT_ROUTING = QStringLiteral("src/input, routing");
+const QString ROOF = QStringLiteral("src roof");
 
-// A room may always include itself.
+// A room may always include itself. What the rooms below it know is listed too:
+// a header brings its own headers along.
 const QHash<QString, QStringList> &rules()
 {
+    static const QStringList ground{"src/host", "src/frame", "src/window"};
+    static const QStringList sensor = ground + QStringList{"src/sensor"};
+    static const QStringList calibration = sensor + QStringList{"src/calibration"};
+    static const QStringList reports = calibration + QStringList{"src/records", "src/reports"};
+    static const QStringList all =
+        reports + QStringList{"src/acquisition", "src/views", "src/input"};
+    static const QStringList runtime{"src/host", "hostsim/runtime"};
     static const QHash<QString, QStringList> table{
         {"src/host", {}},
         {"src/frame", {"src/host"}},
-        {FRAME_WINDOWS, {ANY}},
-        {"src/acquisition",
-         {"src/host", "src/frame", "src/calibration", "src/sensor", "src/input"}},
-        {"src/calibration", {"src/host", "src/frame", "src/sensor"}},
-        {"src/sensor", {"src/host", "src/frame", "src/calibration"}},
-        {"src/reports", {"src/host", "src/frame", "src/calibration", "src/sensor", "src/records"}},
-        {"src/records", {"src/host", "src/frame", "src/sensor", "src/reports"}},
-        {"src/views", {"src/frame", "src/acquisition", "src/calibration", "src/reports"}},
-        {"src/input", {}},
-        {INPUT_ROUTING, {"src/frame"}},
+        {"src/window", ground},
+        {"src/input", ground},
+        {"src/sensor", ground},
+        {"src/calibration", sensor},
+        {"src/acquisition", calibration},
+        {"src/records", sensor},
+        {"src/reports", reports},
+        {"src/views", reports + QStringList{"src/acquisition"}},
+        {ROOF, all},
         {"hostsim/runtime", {"src/host"}},
-        {"hostsim/cell", {"src/host", "hostsim/runtime"}},
-        {"hostsim/bld_tables", {"src/host", "hostsim/runtime"}},
-        {"hostsim/tools", {"src/host", "hostsim/runtime"}},
+        {"hostsim/cell", runtime},
+        {"hostsim/bld_tables", runtime},
+        {"hostsim/tools", runtime},
     };
     return table;
 }
 
-// Two rooms hold files of two kinds, told apart by their names.
-QString rule_of(const QString &path)
+bool of_the_roof(const QString &path)
 {
-    const QString room = room_of(path);
-    const QString stem = QFileInfo(path).baseName();
-    if (room == "src/frame" && (stem == "main" || stem.startsWith("mainwindow")))
-        return FRAME_WINDOWS;
-    if (room == "src/input" && stem.startsWith("inputdevice"))
-        return INPUT_ROUTING;
-    return room;
+    static const QRegularExpression names(
+        R"(^src/(frame/main\.cpp|\w+/mainwindow(_\w+)?\.(h|cpp)|calibration/(zerl_util|savetypedialog)\.(h|cpp))$)");
+    return names.match(path).hasMatch();
 }
 
 bool is_c_header(const QString &target)
@@ -63,55 +64,98 @@ bool is_generated(const QString &target)
 }
 
 // Where a quoted include leads, as the compiler looks for it; empty: nowhere.
-QString resolved(const QString &path, const QString &target, const FileExists &exists)
+QString resolved(const QString &path, const QString &target, const ReadFile &read)
 {
     for (const QString &place : {path.section('/', 0, -2), QStringLiteral("src"), QString()}) {
         const QString candidate = place.isEmpty() ? target : place + '/' + target;
-        if (exists(candidate))
+        if (read(candidate).has_value())
             return candidate;
     }
     return {};
 }
 
-bool is_allowed(const QString &path, const QString &target, bool quoted, const FileExists &exists)
+struct Include {
+    int line;
+    QString target;
+    bool quoted;
+};
+
+QVector<Include> includes_of(const QString &text)
 {
-    const QString room = room_of(path);
-    if (!quoted)
-        return room != "src/host" || is_c_header(target);
-    if (is_generated(target))
-        return true;
-    const QString file = resolved(path, target, exists);
-    if (file.isEmpty())
-        return false;
-    const QStringList allowed = rules().value(rule_of(path));
-    const QString other = room_of(file);
-    return other == room || allowed.contains(other) || (allowed.contains(ANY) && !other.isEmpty());
+    static const QRegularExpression form(R"(^\s*#\s*include\s*(["<])([^">]+)[">])");
+    QVector<Include> found;
+    int line = 0;
+    for (const QString &row : text.split('\n')) {
+        ++line;
+        const QRegularExpressionMatch match = form.match(row);
+        if (match.hasMatch())
+            found.append({line, match.captured(2), match.captured(1) == "\""});
+    }
+    return found;
 }
+
+class Walk
+{
+public:
+    Walk(const QString &start, const ReadFile &read) : m_start(start), m_read(read) {}
+
+    QStringList found;
+
+    void visit(const QString &path)
+    {
+        m_seen.insert(path);
+        for (const Include &include : includes_of(m_read(path).value_or(QString()))) {
+            if (!include.quoted) {
+                if (path == m_start && room_of(path) == "src/host" && !is_c_header(include.target))
+                    tell(path, include);
+                continue;
+            }
+            if (is_generated(include.target))
+                continue;
+            const QString file = resolved(path, include.target, m_read);
+            if (file.isEmpty() || !allowed(room_of(file)))
+                tell(path, include);
+            else if (!m_seen.contains(file))
+                visit(file);
+        }
+    }
+
+private:
+    bool allowed(const QString &other) const
+    {
+        const QString room = room_of(m_start);
+        return other == room || rules().value(room).contains(other);
+    }
+    void tell(const QString &path, const Include &include)
+    {
+        QString line = QString("%1:%2 includes %3").arg(path).arg(include.line).arg(include.target);
+        if (path != m_start)
+            line += ", reached from " + m_start;
+        found.append(line);
+    }
+
+    QString m_start;
+    const ReadFile &m_read;
+    QSet<QString> m_seen;
+};
 
 } // namespace
 
 QString room_of(const QString &path)
 {
+    if (of_the_roof(path))
+        return ROOF;
     const QStringList steps = path.split('/');
     if (steps.size() < 3 || (steps[0] != "src" && steps[0] != "hostsim"))
         return {};
     return steps[0] + '/' + steps[1];
 }
 
-QStringList violations(const QString &path, const QString &text, const FileExists &exists)
+QStringList violations(const QString &path, const ReadFile &read)
 {
-    if (!rules().contains(rule_of(path)))
+    if (!rules().contains(room_of(path)))
         return {path + " lives in a folder that no rule knows"};
-    static const QRegularExpression include(R"(^\s*#\s*include\s*(["<])([^">]+)[">])");
-    QStringList found;
-    int number = 0;
-    for (const QString &line : text.split('\n')) {
-        ++number;
-        const QRegularExpressionMatch match = include.match(line);
-        if (!match.hasMatch())
-            continue;
-        if (!is_allowed(path, match.captured(2), match.captured(1) == "\"", exists))
-            found.append(QString("%1:%2 includes %3").arg(path).arg(number).arg(match.captured(2)));
-    }
-    return found;
+    Walk walk(path, read);
+    walk.visit(path);
+    return walk.found;
 }

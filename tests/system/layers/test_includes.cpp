@@ -29,16 +29,53 @@ namespace
 const QDir top(PROJECT_SOURCE_DIR);
 
 // A made-up tree, so that the rules are tested apart from the code at hand.
-bool made_up(const QString &path)
+using Tree = QHash<QString, QString>;
+
+const Tree &made_up()
 {
-    static const QStringList files{
-        "src/host/operations.h",     "src/frame/functions.h",    "src/frame/mainwindow.h",
-        "src/acquisition/monitor.h", "src/calibration/fit.h",    "src/sensor/tolerances.h",
-        "src/reports/linearity.h",   "src/records/specsfile.h",  "src/views/plot.h",
-        "src/input/keyboard.h",      "hostsim/runtime/blocks.h", "hostsim/cell/description.h",
-        "hostsim/cell/sub/deep.h",   "tests/support/recorder.h",
+    static const Tree files{
+        {"src/host/operations.h", ""},
+        {"src/frame/functions.h", ""},
+        {"src/frame/mainwindow.h", ""},
+        {"src/window/messagebox.h", "#include \"frame/functions.h\"\n"},
+        {"src/window/bad.h", "#include <cmath>\n#include \"views/plot.h\"\n"},
+        {"src/acquisition/pointinfo.h", ""},
+        {"src/calibration/fit.h", ""},
+        {"src/calibration/zerl_util.h", ""},
+        {"src/sensor/tolerances.h", ""},
+        {"src/reports/linearity.h", "#include \"records/specsfile.h\"\n"},
+        {"src/records/specsfile.h", ""},
+        {"src/views/plot.h", ""},
+        {"src/input/keyboard.h", ""},
+        {"hostsim/runtime/blocks.h", ""},
+        {"hostsim/cell/description.h", ""},
+        {"hostsim/cell/sub/deep.h", ""},
+        {"tests/support/recorder.h", ""},
     };
-    return files.contains(path);
+    return files;
+}
+
+ReadFile reader(Tree tree)
+{
+    return [tree = std::move(tree)](const QString &path) -> std::optional<QString> {
+        const auto file = tree.constFind(path);
+        return file == tree.constEnd() ? std::nullopt : std::optional<QString>(*file);
+    };
+}
+
+QStringList found_in(const QString &path, const QString &text)
+{
+    Tree tree = made_up();
+    tree.insert(path, text);
+    return violations(path, reader(tree));
+}
+
+std::optional<QString> file_of_the_tree(const QString &path)
+{
+    QFile file(top.filePath(path));
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return QString::fromUtf8(file.readAll());
 }
 
 QStringList sources(const QString &room)
@@ -71,34 +108,42 @@ void Includes::rule_data()
     row("the host takes none of Qt", "src/host/a.h", "#include <QString>", false);
     row("the frame's computation knows the host", "src/frame/a.cpp",
         "#include \"host/operations.h\"", true);
-    row("the frame's computation knows no window", "src/frame/a.cpp", "#include \"views/plot.h\"",
+    row("the frame knows no window", "src/frame/a.cpp", "#include \"views/plot.h\"", false);
+    row("the frame's helpers know no main window", "src/frame/a.cpp",
+        "#include \"frame/mainwindow.h\"", false);
+    row("the boxes know no main window", "src/window/a.cpp", "#include \"frame/mainwindow.h\"",
         false);
-    row("the window knows every room", "src/frame/mainwindow.cpp", "#include \"views/plot.h\"",
-        true);
-    row("its other files as well", "src/frame/mainwindow_slots.cpp",
+    row("the roof knows every room", "src/frame/mainwindow.cpp", "#include \"views/plot.h\"", true);
+    row("its slots as well, where they stand", "src/sensor/mainwindow_units.cpp",
         "#include \"records/specsfile.h\"", true);
-    row("main knows the window", "src/frame/main.cpp", "#include \"frame/mainwindow.h\"", true);
-    row("the window knows no test", "src/frame/mainwindow.cpp",
+    row("main knows the roof", "src/frame/main.cpp", "#include \"frame/mainwindow.h\"", true);
+    row("what works on the whole window is of the roof", "src/calibration/zerl_util.cpp",
+        "#include \"acquisition/pointinfo.h\"", true);
+    row("the roof knows no test", "src/frame/mainwindow.cpp",
         "#include \"tests/support/recorder.h\"", false);
-    row("the window knows no stand-in", "src/acquisition/a.cpp",
+    row("the program knows no stand-in", "src/acquisition/a.cpp",
         "#include \"hostsim/runtime/blocks.h\"", false);
     row("acquisition knows calibration", "src/acquisition/a.cpp", "#include \"calibration/fit.h\"",
         true);
     row("acquisition knows no view", "src/acquisition/a.cpp", "#include \"views/plot.h\"", false);
-    row("calibration knows no acquisition", "src/calibration/a.cpp",
-        "#include \"acquisition/monitor.h\"", false);
-    row("sensors know calibration", "src/sensor/a.cpp", "#include \"calibration/fit.h\"", true);
+    row("a row knows no main window", "src/acquisition/a.cpp", "#include \"frame/mainwindow.h\"",
+        false);
+    row("calibration knows no rows", "src/calibration/a.cpp",
+        "#include \"acquisition/pointinfo.h\"", false);
+    row("calibration knows no main window", "src/calibration/a.cpp",
+        "#include \"frame/mainwindow.h\"", false);
+    row("calibration's computation is not of the roof", "src/calibration/a.cpp",
+        "#include \"calibration/zerl_util.h\"", false);
+    row("sensors know no calibration", "src/sensor/a.cpp", "#include \"calibration/fit.h\"", false);
     row("sensors know no report", "src/sensor/a.cpp", "#include \"reports/linearity.h\"", false);
     row("reports know records", "src/reports/a.cpp", "#include \"records/specsfile.h\"", true);
-    row("records know reports", "src/records/a.cpp", "#include \"reports/linearity.h\"", true);
+    row("records know no reports", "src/records/a.cpp", "#include \"reports/linearity.h\"", false);
     row("records know no calibration", "src/records/a.cpp", "#include \"calibration/fit.h\"",
         false);
-    row("views know acquisition", "src/views/a.cpp", "#include \"acquisition/monitor.h\"", true);
-    row("views know no host", "src/views/a.cpp", "#include \"host/operations.h\"", false);
-    row("the keyboard knows no frame", "src/input/keyboard.cpp", "#include \"frame/functions.h\"",
-        false);
-    row("the routing of input does", "src/input/inputdevice.cpp", "#include \"frame/functions.h\"",
-        true);
+    row("views know acquisition", "src/views/a.cpp", "#include \"acquisition/pointinfo.h\"", true);
+    row("the pads know no calibration", "src/input/a.cpp", "#include \"calibration/fit.h\"", false);
+    row("a header brings what it may", "src/views/a.cpp", "#include \"reports/linearity.h\"", true);
+    row("a header brings what it may not", "src/sensor/a.cpp", "#include \"window/bad.h\"", false);
     row("the runtime knows the host's header", "hostsim/runtime/a.cpp",
         "#include \"host/operations.h\"", true);
     row("the runtime knows no cell", "hostsim/runtime/a.cpp",
@@ -123,21 +168,24 @@ void Includes::rule()
     QFETCH(QString, path);
     QFETCH(QString, line);
     QFETCH(bool, allowed);
-    QCOMPARE(violations(path, line, made_up).isEmpty(), allowed);
+    QCOMPARE(found_in(path, line).isEmpty(), allowed);
 }
 
 void Includes::line_is_told()
 {
-    const QString text = "#include <cmath>\n\n#include \"views/plot.h\"\n";
-    QCOMPARE(violations("src/sensor/a.cpp", text, made_up),
+    QCOMPARE(found_in("src/sensor/a.cpp", "#include <cmath>\n\n#include \"views/plot.h\"\n"),
              QStringList{"src/sensor/a.cpp:3 includes views/plot.h"});
+    QCOMPARE(
+        found_in("src/sensor/a.cpp", "#include \"window/bad.h\"\n"),
+        QStringList{"src/window/bad.h:2 includes views/plot.h, reached from src/sensor/a.cpp"});
 }
 
 void Includes::rooms_are_there()
 {
     for (const char *room :
-         {"src/host", "src/frame", "src/acquisition", "src/calibration", "src/sensor",
-          "hostsim/runtime", "hostsim/cell", "hostsim/bld_tables", "hostsim/tools"})
+         {"src/host", "src/frame", "src/window", "src/sensor", "src/calibration", "src/acquisition",
+          "src/records", "src/reports", "src/views", "src/input", "hostsim/runtime", "hostsim/cell",
+          "hostsim/bld_tables", "hostsim/tools"})
         QVERIFY2(!sources(room).isEmpty(), room);
 }
 
@@ -157,13 +205,8 @@ void Includes::tree()
 {
     QFETCH(QString, room);
     QStringList found;
-    for (const QString &path : sources(room)) {
-        QFile file(top.filePath(path));
-        QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(path));
-        found += violations(path, QString::fromUtf8(file.readAll()), [](const QString &other) {
-            return QFile::exists(top.filePath(other));
-        });
-    }
+    for (const QString &path : sources(room))
+        found += violations(path, file_of_the_tree);
     QVERIFY2(found.isEmpty(), qPrintable(found.join('\n')));
 }
 
