@@ -59,6 +59,8 @@ private slots:
     void no_shell_for_the_history();
     void inactive_channel_writes_nothing_data();
     void inactive_channel_writes_nothing();
+    void names_like_that_of_no_table_data();
+    void names_like_that_of_no_table();
     void name_that_a_shell_would_interpret();
     void history_command_text_data();
     void history_command_text();
@@ -318,6 +320,24 @@ void TableSave::inactive_channel_writes_nothing()
     QCOMPARE(information_texts(), QStringList());
     QCOMPARE(m_cfg->table_dirty, uint16_t{0});
     QCOMPARE(m_cfg->unsaved_flag, uint16_t{0});
+}
+
+// The whole name counts, as it is written.
+void TableSave::names_like_that_of_no_table_data()
+{
+    QTest::addColumn<int>("save_type");
+    for (const char *name : {"INACTIVE2", "INACTIVE ", "INACTIV", "inactive", "2INACTIVE"})
+        QTest::newRow(name) << int{SAVE_ADJUSTED};
+}
+
+void TableSave::names_like_that_of_no_table()
+{
+    QFETCH(int, save_type);
+    const char *const name = QTest::currentDataTag();
+    use_table(name);
+    save_calibration(m_cfg.get(), save_type);
+    QCOMPARE(archive().size(), std::size_t{1});
+    QVERIFY(QFile::exists(QStringLiteral("/cell/tables/") + name + QStringLiteral(".tbl")));
 }
 
 void TableSave::name_that_a_shell_would_interpret()
