@@ -81,7 +81,7 @@ void MainWindow::no_channel_chosen()
     ask(this, QMessageBox::Information, QString(),
         QStringLiteral("Please select a valid channel number and name"), QMessageBox::Ok,
         QMessageBox::Ok);
-    if (!termination_requested())
+    if (!end_decided())
         revert_channel(g_cfg->channel);
 }
 
@@ -114,15 +114,14 @@ void MainWindow::recount_captured_rows()
 }
 
 // Puts the combo back. Its slot then binds the channel again, so the table is
-// read anew and what was captured and not recorded is gone from the record.
+// read anew and what was captured and not recorded is gone from the record. A
+// channel without an item leaves the list blank, as no channel.
 void MainWindow::revert_channel(int16_t channel)
 {
     const int item =
         ui->cboCurrentChannel->findText(channel_item_prefix(channel), Qt::MatchContains);
     for (int i = 0; i < MAX_POINTS; ++i)
         row(i)->saved_style = row(i)->value_style();
-    if (item < 0)
-        return; // never bound: there is nothing to go back to
     m_channel_reverting = true;
     ui->cboCurrentChannel->setCurrentIndex(item);
     m_channel_reverting = false;
@@ -171,7 +170,7 @@ void MainWindow::repair_sensor_range(uint32_t reason)
     TableLock lock(m_table_mutex);
     ConfigDialog2 dialog(this, true, reason);
     const bool accepted = dialog.exec() == QDialog::Accepted;
-    if (termination_requested())
+    if (end_decided())
         return;
     if (accepted && dialog.reason_code == 0) {
         ui->lblSerialNumber->setText(record_text(g_cfg->table.sensor_serial_no));

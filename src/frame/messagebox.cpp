@@ -3,11 +3,14 @@
 
 #include "frame/functions.h"
 #include "frame/mainwindow.h"
+#include "frame/termination.h"
 
 QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton default_button)
 {
+    if (end_decided())
+        return default_button;
     QMessageBox box(icon, title, text, buttons, parent);
     box.setWindowFlags(TITLE_BAR_ONLY); // the constructor would add a close button
     box.setTextFormat(Qt::PlainText);

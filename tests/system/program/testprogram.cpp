@@ -116,8 +116,9 @@ int TestProgram::wait_for_end(int deadline_ms)
     if (m_process.state() != QProcess::NotRunning)
         return -1;
     while (next_event(&event)) {
-        if (event.value(QLatin1String("event")) == QLatin1String("window"))
-            m_window_seen = true;
+        const QString kind = event.value(QLatin1String("event")).toString();
+        m_window_seen = m_window_seen || kind == QLatin1String("window");
+        m_box_seen = m_box_seen || kind == QLatin1String("box");
     }
     if (m_process.exitStatus() != QProcess::NormalExit)
         return -1;

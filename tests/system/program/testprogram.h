@@ -48,6 +48,8 @@ public:
     qint64 pid() const { return m_process.processId(); }
 
     bool window_seen() const { return m_window_seen; }
+    // Whether a box came up that next_box has not taken, asked at the end.
+    bool box_seen() const { return m_box_seen || !m_waiting.isEmpty(); }
     // What it wrote beside the hook's lines, among it the calls that the hook
     // tells of.
     QByteArray said() const { return m_said; }
@@ -60,6 +62,7 @@ private:
     QProcessEnvironment m_environment;
     bool m_hooked = true;
     bool m_window_seen = false;
+    bool m_box_seen = false; // while waiting for the end
     QByteArray m_said;
     QByteArray m_complaints;
     QList<QJsonObject> m_waiting;
