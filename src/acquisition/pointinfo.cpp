@@ -12,6 +12,7 @@
 #include "frame/relaxed.h"
 #include "frame/styles.h"
 #include "frame/tablelock.h"
+#include "frame/termination.h"
 #include "frame/zerl_callbacks.h"
 #include "host/operations.h"
 #include "sensor/configdialog2.h"
@@ -20,8 +21,8 @@
 
 PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
-      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index), counted(false),
-      ui(new Ui::PointInfo)
+      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index),
+      counted_current(false), counted_range(false), ui(new Ui::PointInfo)
 {
     ui->setupUi(this);
     if (g_touch_input) {
@@ -94,6 +95,11 @@ QWidget *PointInfo::put_in_tab_order(QWidget *before)
 {
     setTabOrder(before, ui->txtCurrentValue);
     setTabOrder(ui->txtCurrentValue, ui->btnCapture);
+    return last_stop();
+}
+
+QWidget *PointInfo::last_stop() const
+{
     return ui->btnCapture;
 }
 
@@ -137,10 +143,28 @@ void PointInfo::changeEvent(QEvent *event)
     }
 }
 
+void PointInfo::value_written()
+{
+    written = ui->txtCurrentValue->text();
+    ui->txtCurrentValue->setModified(false);
+}
+
+// By keys or by the pad, which sends the text without the blanks around it.
+bool PointInfo::value_edited() const
+{
+    return ui->txtCurrentValue->isModified() ||
+           ui->txtCurrentValue->text().trimmed() != written.trimmed();
+}
+
 // No mutex, no check and no unsaved work: the value is set up before a capture,
-// which is what then marks the work as unsaved.
+// which is what then marks the work as unsaved. Builds of Qt differ in when they
+// call an edit finished, so a field that was only visited is told apart here: its
+// text has fewer digits than the table.
 void PointInfo::on_txtCurrentValue_editingFinished()
 {
+    if (end_decided() || !value_edited())
+        return;
+    value_written(); // once for each edit
     const double value = ui->txtCurrentValue->text().toDouble();
     g_cfg->table.poly[range_index(g_cfg->table)].y[index] = value;
     g_cfg->long_current.y[index] = value;
@@ -171,20 +195,40 @@ bool PointInfo::sensor_range_repaired()
     return false;
 }
 
+// Each count has a bound of its own: a refused capture of a late row runs the
+// long table's count ahead of the range's.
+void PointInfo::count_new_point()
+{
+    int16_t &current = g_cfg->long_current.num_points;
+    int16_t &range = g_cfg->table.poly[range_index(g_cfg->table)].num_points;
+    counted_current = current < MAX_POINTS;
+    counted_range = range < MAX_POINTS;
+    if (counted_current)
+        ++current;
+    if (counted_range)
+        ++range;
+}
+
+// A count that was full has kept its number, and keeps it now.
+void PointInfo::take_back_new_point()
+{
+    int16_t &current = g_cfg->long_current.num_points;
+    int16_t &range = g_cfg->table.poly[range_index(g_cfg->table)].num_points;
+    if (counted_current)
+        current = static_cast<int16_t>(qMax(0, current - 1));
+    if (counted_range)
+        range = static_cast<int16_t>(qMax(0, range - 1));
+}
+
 void PointInfo::capture()
 {
     if (!sensor_range_repaired())
         return;
-    POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
     LONG_TABLE &current = g_cfg->long_current;
     const bool grown = state == POINT_NEW;
     // A retry behind a refusal is no new point: what was counted then still is.
     if (grown)
-        counted = current.num_points < MAX_POINTS;
-    if (grown && counted) {
-        ++current.num_points;
-        ++range.num_points;
-    }
+        count_new_point();
     const double former_mv = current.x[index];
     const QString former_style = value_style();
     previous_state = state;
@@ -225,11 +269,8 @@ void PointInfo::undo()
     current.x[index] = previous_mv;
     range.x[index] = previous_mv;
     const bool was_new = previous_state == POINT_NEW;
-    // A table that was full has kept its count, and keeps it now.
-    if (was_new && counted) {
-        current.num_points = static_cast<int16_t>(qMax(0, current.num_points - 1));
-        range.num_points = static_cast<int16_t>(qMax(0, range.num_points - 1));
-    }
+    if (was_new)
+        take_back_new_point();
     compute_long_table(&g_cfg->table, &current);
     g_cfg->table.point_state[index] = previous_state;
     state = previous_state;
