@@ -65,7 +65,7 @@ void End::time_in_its_field_is_not_judged_data()
 {
     QTest::addColumn<QString>("text");
     for (const char *way : {"Exit", "close button"}) {
-        for (const char *text : {"99", "", "7", "10"})
+        for (const char *text : {"99", "", "12", "10"})
             QTest::addRow("%s, \"%s\"", way, text) << text;
     }
 }

@@ -21,6 +21,7 @@ class Results : public QObject
 private slots:
     void init();
     void ok_sets_the_text_and_takes_the_focus();
+    void ok_without_a_change_is_finished_too();
     void field_without_the_focus_is_finished_too();
     void escape_keeps_text_and_focus();
     void text_that_the_field_refuses_is_not_finished();
@@ -68,6 +69,23 @@ void Results::ok_sets_the_text_and_takes_the_focus()
     QCOMPARE(changed.size(), 1);
     QCOMPARE(finished.size(), 1);
     QCOMPARE(m_device->target.data(), nest.field);
+}
+
+// Qt may have nothing to tell of a text that nobody typed.
+void Results::ok_without_a_change_is_finished_too()
+{
+    Nest nest(3);
+    nest.field->setText(QStringLiteral("P 7"));
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(ask(nest.field));
+        nest.window.activateWindow();
+        nest.field->setFocus();
+        QTRY_VERIFY(nest.field->hasFocus());
+        QSignalSpy finished(nest.field, &QLineEdit::editingFinished);
+        tap_keys(m_device->keyboard, "rshift_2");
+        QCOMPARE(finished.size(), 1);
+        QCOMPARE(nest.field->text(), QStringLiteral("P 7"));
+    }
 }
 
 // The number pad takes the activation, so the field has no focus to lose.
