@@ -6,6 +6,7 @@
 #include "acquisition/undodialog.h"
 #include "calibration/judgedrows.h"
 #include "calibration/process.h"
+#include "calibration/tableload.h"
 #include "frame/functions.h"
 #include "frame/mainwindow.h"
 #include "frame/numbervalidator.h"
@@ -13,10 +14,20 @@
 #include "frame/styles.h"
 #include "frame/tablelock.h"
 #include "frame/zerl_callbacks.h"
-#include "host/operations.h"
 #include "sensor/configdialog2.h"
 #include "ui_mainwindow.h"
 #include "ui_pointinfo.h"
+
+namespace
+{
+
+// The monitor thread may be reading it.
+void change_count(int16_t &count, int by)
+{
+    relaxed_store(count, static_cast<int16_t>(qMax(0, count + by)));
+}
+
+} // namespace
 
 PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
@@ -142,8 +153,8 @@ void PointInfo::changeEvent(QEvent *event)
 void PointInfo::on_txtCurrentValue_editingFinished()
 {
     const double value = ui->txtCurrentValue->text().toDouble();
-    g_cfg->table.poly[range_index(g_cfg->table)].y[index] = value;
-    g_cfg->long_current.y[index] = value;
+    relaxed_store(g_cfg->table.poly[range_index(g_cfg->table)].y[index], value);
+    relaxed_store(g_cfg->long_current.y[index], value);
     g_cfg->redraw_all = 1;
     g_cfg->table_dirty = 0;
     main->update_plot(g_cfg);
@@ -182,8 +193,8 @@ void PointInfo::capture()
     if (grown)
         counted = current.num_points < MAX_POINTS;
     if (grown && counted) {
-        ++current.num_points;
-        ++range.num_points;
+        change_count(current.num_points, 1);
+        change_count(range.num_points, 1);
     }
     const double former_mv = current.x[index];
     const QString former_style = value_style();
@@ -196,7 +207,7 @@ void PointInfo::capture()
     if (main->store_point(g_cfg, index, ui->txtCurrentValue->text().toDouble()) == 0)
         return;
     if (grown)
-        compute_long_table(&g_cfg->table, &current);
+        refresh_long_table(g_cfg);
     main->form()->lblNextStep->setText(QString());
     previous_mv = former_mv;
     saved_style = former_style;
@@ -222,15 +233,15 @@ void PointInfo::undo()
     // Only the millivolts go back; the reference value stays, so that a later
     // capture does not need it again.
     ui->lblMillivolts->setText(value_text(previous_mv));
-    current.x[index] = previous_mv;
-    range.x[index] = previous_mv;
+    relaxed_store(current.x[index], previous_mv);
+    relaxed_store(range.x[index], previous_mv);
     const bool was_new = previous_state == POINT_NEW;
     // A table that was full has kept its count, and keeps it now.
     if (was_new && counted) {
-        current.num_points = static_cast<int16_t>(qMax(0, current.num_points - 1));
-        range.num_points = static_cast<int16_t>(qMax(0, range.num_points - 1));
+        change_count(current.num_points, -1);
+        change_count(range.num_points, -1);
     }
-    compute_long_table(&g_cfg->table, &current);
+    refresh_long_table(g_cfg);
     g_cfg->table.point_state[index] = previous_state;
     state = previous_state;
     set_value_style(saved_style);
