@@ -140,7 +140,7 @@ void MainWindow::bind_selected_channel(ZERL_CFG *local)
     ui->menuStatistics->setEnabled(false);
     ui->actionCal_Statistics_Chart->setEnabled(false);
     relaxed_store(g_monitor_enabled, static_cast<uint8_t>(0));
-    *g_cfg = *local;
+    publish_record(local, g_cfg);
     sync_type_controls(local);
     lock.unlock();
     show_bound_channel();

@@ -6,6 +6,7 @@
 #include "acquisition/undodialog.h"
 #include "calibration/judgedrows.h"
 #include "calibration/process.h"
+#include "calibration/tableload.h"
 #include "frame/functions.h"
 #include "frame/mainwindow.h"
 #include "frame/numbervalidator.h"
@@ -14,10 +15,20 @@
 #include "frame/tablelock.h"
 #include "frame/termination.h"
 #include "frame/zerl_callbacks.h"
-#include "host/operations.h"
 #include "sensor/configdialog2.h"
 #include "ui_mainwindow.h"
 #include "ui_pointinfo.h"
+
+namespace
+{
+
+// The monitor thread may be reading it.
+void change_count(int16_t &count, int by)
+{
+    relaxed_store(count, static_cast<int16_t>(qMax(0, count + by)));
+}
+
+} // namespace
 
 PointInfo::PointInfo(MainWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
@@ -166,8 +177,8 @@ void PointInfo::on_txtCurrentValue_editingFinished()
         return;
     value_written(); // once for each edit
     const double value = ui->txtCurrentValue->text().toDouble();
-    g_cfg->table.poly[range_index(g_cfg->table)].y[index] = value;
-    g_cfg->long_current.y[index] = value;
+    relaxed_store(g_cfg->table.poly[range_index(g_cfg->table)].y[index], value);
+    relaxed_store(g_cfg->long_current.y[index], value);
     g_cfg->redraw_all = 1;
     g_cfg->table_dirty = 0;
     main->update_plot(g_cfg);
@@ -204,9 +215,9 @@ void PointInfo::count_new_point()
     counted_current = current < MAX_POINTS;
     counted_range = range < MAX_POINTS;
     if (counted_current)
-        ++current;
+        change_count(current, 1);
     if (counted_range)
-        ++range;
+        change_count(range, 1);
 }
 
 // A count that was full has kept its number, and keeps it now.
@@ -215,9 +226,9 @@ void PointInfo::take_back_new_point()
     int16_t &current = g_cfg->long_current.num_points;
     int16_t &range = g_cfg->table.poly[range_index(g_cfg->table)].num_points;
     if (counted_current)
-        current = static_cast<int16_t>(qMax(0, current - 1));
+        change_count(current, -1);
     if (counted_range)
-        range = static_cast<int16_t>(qMax(0, range - 1));
+        change_count(range, -1);
 }
 
 void PointInfo::capture()
@@ -240,7 +251,7 @@ void PointInfo::capture()
     if (main->store_point(g_cfg, index, ui->txtCurrentValue->text().toDouble()) == 0)
         return;
     if (grown)
-        compute_long_table(&g_cfg->table, &current);
+        refresh_long_table(g_cfg);
     main->form()->lblNextStep->setText(QString());
     previous_mv = former_mv;
     saved_style = former_style;
@@ -266,12 +277,12 @@ void PointInfo::undo()
     // Only the millivolts go back; the reference value stays, so that a later
     // capture does not need it again.
     ui->lblMillivolts->setText(value_text(previous_mv));
-    current.x[index] = previous_mv;
-    range.x[index] = previous_mv;
+    relaxed_store(current.x[index], previous_mv);
+    relaxed_store(range.x[index], previous_mv);
     const bool was_new = previous_state == POINT_NEW;
     if (was_new)
         take_back_new_point();
-    compute_long_table(&g_cfg->table, &current);
+    refresh_long_table(g_cfg);
     g_cfg->table.point_state[index] = previous_state;
     state = previous_state;
     set_value_style(saved_style);

@@ -8,6 +8,7 @@
 #include "calibration/process.h"
 #include "calibration/questions.h"
 #include "calibration/tablestore.h"
+#include "frame/queuedinput.h"
 #include "frame/styles.h"
 #include "host/operations.h"
 #include "ui_mainwindow.h"
@@ -69,4 +70,7 @@ void MainWindow::finish_decision(bool adjust)
     rebuild_tables(g_cfg);
     auto_scale_plot();
     reclassify_rows(this);
+    // The window stood still for the rebuild: what was pressed meanwhile was meant
+    // for the calibration before it.
+    drop_queued_input();
 }

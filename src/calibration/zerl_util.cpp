@@ -5,12 +5,11 @@
 #include "calibration/tableload.h"
 #include "frame/mainwindow.h"
 #include "frame/tablelock.h"
-#include "host/operations.h"
 #include "ui_mainwindow.h"
 
 void recompute_table_view(MainWindow *main)
 {
-    compute_long_table(&g_cfg->table, &g_cfg->long_current);
+    refresh_long_table(g_cfg);
     {
         TableLock lock(main->table_mutex());
         take_table_into_work(g_cfg);

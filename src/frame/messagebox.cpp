@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frame/messagebox.h"
 
+#include <QApplication>
+
 #include "frame/functions.h"
 #include "frame/mainwindow.h"
 #include "frame/termination.h"
+
+QWidget *box_owner(QWidget *otherwise)
+{
+    auto *const open = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    return open != nullptr ? open : otherwise;
+}
 
 QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                                 const QString &text, QMessageBox::StandardButtons buttons,
@@ -11,7 +19,7 @@ QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const Q
 {
     if (end_decided())
         return default_button;
-    QMessageBox box(icon, title, text, buttons, parent);
+    QMessageBox box(icon, title, text, buttons, box_owner(parent));
     box.setWindowFlags(TITLE_BAR_ONLY); // the constructor would add a close button
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(default_button);
