@@ -204,6 +204,7 @@ socket_of() {
 }
 
 no_bus() {
+    bus_socket=
     DBUS_SESSION_BUS_ADDRESS=disabled:
     export DBUS_SESSION_BUS_ADDRESS
 }

@@ -46,8 +46,9 @@ void Zerl::help_lists_command_data()
 {
     QTest::addColumn<QString>("command");
     for (const char *name :
-         {"run [--cell FOLDER] [--touch]", "test [--sanitize]", "soak [LENGTH] [SEED]", "tour ",
-          "build ", "bench ", "lint ", "clean ", "help "})
+         {"run [--cell FOLDER] [--touch] [--without-namespaces]",
+          "test [--sanitize | --without-namespaces]", "soak [LENGTH] [SEED]",
+          "tour [--without-namespaces]", "build ", "bench ", "lint ", "clean ", "help "})
         QTest::newRow(name) << QString(name);
 }
 
@@ -83,6 +84,12 @@ void Zerl::misuse_data()
         << QStringList{"soak", "500", "7", "8"} << "one command at a time: soak or 8";
     QTest::newRow("sanitizers with run")
         << QStringList{"run", "--sanitize"} << "--sanitize goes with test";
+    QTest::newRow("benchmarks without name spaces")
+        << QStringList{"bench", "--without-namespaces"}
+        << "--without-namespaces goes with run, test and tour";
+    QTest::newRow("sanitizers without name spaces")
+        << QStringList{"test", "--sanitize", "--without-namespaces"}
+        << "--sanitize and --without-namespaces exclude each other";
 }
 
 void Zerl::misuse()
