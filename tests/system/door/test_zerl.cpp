@@ -47,8 +47,9 @@ void Zerl::help_lists_command_data()
 {
     QTest::addColumn<QString>("command");
     for (const char *name :
-         {"run [--cell FOLDER] [--touch]", "test [--sanitize | --threads]", "soak [LENGTH] [SEED]",
-          "tour ", "build ", "bench ", "lint ", "clean ", "help "})
+         {"run [--cell FOLDER] [--touch] [--without-namespaces]",
+          "test [--sanitize | --threads | --without-namespaces]", "soak [LENGTH] [SEED]",
+          "tour [--without-namespaces]", "build ", "bench ", "lint ", "clean ", "help "})
         QTest::newRow(name) << QString(name);
 }
 
@@ -88,6 +89,12 @@ void Zerl::misuse_data()
         << QStringList{"tour", "--threads"} << "--threads goes with test";
     QTest::newRow("two sanitizers")
         << QStringList{"test", "--sanitize", "--threads"} << "--sanitize and --threads take turns";
+    QTest::newRow("benchmarks without name spaces")
+        << QStringList{"bench", "--without-namespaces"}
+        << "--without-namespaces goes with run, test and tour";
+    QTest::newRow("sanitizers without name spaces")
+        << QStringList{"test", "--sanitize", "--without-namespaces"}
+        << "--sanitize and --without-namespaces exclude each other";
 }
 
 void Zerl::misuse()

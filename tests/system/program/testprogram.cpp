@@ -30,7 +30,7 @@ bool TestProgram::start(const QStringList &arguments)
                                  QStringLiteral(":verify_asan_link_order=0"));
     }
     m_process.setProcessEnvironment(m_environment);
-    m_process.start(QStringLiteral(PROGRAM_PATH), arguments);
+    m_process.start(m_program, arguments);
     return m_process.waitForStarted(DEADLINE_MS);
 }
 

@@ -27,6 +27,8 @@ public:
     // Starts the program itself, without eyes and hands in it.
     void without_hook() { m_hooked = false; }
 
+    // Another program with the hook in it.
+    void run_instead(const QString &program) { m_program = program; }
     bool start(const QStringList &arguments = {});
     // Waits for the main window; a box that comes instead fails.
     bool wait_for_window();
@@ -58,6 +60,7 @@ public:
 private:
     bool next_event(QJsonObject *event);
 
+    QString m_program = QStringLiteral(PROGRAM_PATH);
     QProcess m_process;
     QProcessEnvironment m_environment;
     bool m_hooked = true;
