@@ -18,5 +18,19 @@ target_include_directories(udunits2 SYSTEM INTERFACE ${UDUNITS2_INCLUDE_DIR})
 target_link_libraries(udunits2 INTERFACE ${UDUNITS2_LIBRARY})
 
 if(NOT VORNAX_RUNTIME)
+    # Its pkg-config file names an unset variable.
+    find_path(QD_INCLUDE_DIR qd/qd_real.h REQUIRED)
+    find_library(QD_LIBRARY NAMES qd REQUIRED)
+    add_library(qd INTERFACE)
+    target_include_directories(qd SYSTEM INTERFACE ${QD_INCLUDE_DIR})
+    target_link_libraries(qd INTERFACE ${QD_LIBRARY})
+
     find_package(rapidcheck REQUIRED) # property tests
+
+    find_path(GMP_INCLUDE_DIR gmpxx.h REQUIRED) # tests
+    find_library(GMP_LIBRARY NAMES gmp REQUIRED)
+    find_library(GMPXX_LIBRARY NAMES gmpxx REQUIRED)
+    add_library(gmp INTERFACE)
+    target_include_directories(gmp SYSTEM INTERFACE ${GMP_INCLUDE_DIR})
+    target_link_libraries(gmp INTERFACE ${GMPXX_LIBRARY} ${GMP_LIBRARY})
 endif()

@@ -51,15 +51,15 @@ bool parse_channel(const std::string &line, ChannelState *state)
     state->label = f[2];
     state->units = f[3];
     state->table_name = f[4];
-    state->mv = std::strtod(f[5].c_str(), nullptr);
+    parse_number(f[5], &state->mv);
     state->held = f[6] == "1";
     state->settled = f[7] == "1";
     state->condition = f[8];
     state->has_transducer = f[8] != "-";
-    state->applied = std::strtod(f[9].c_str(), nullptr);
+    parse_number(f[9], &state->applied);
     state->applied_units = f[10];
-    state->from = std::strtod(f[11].c_str(), nullptr);
-    state->to = std::strtod(f[12].c_str(), nullptr);
+    parse_number(f[11], &state->from);
+    parse_number(f[12], &state->to);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLocale>
 #include <QPixmap>
 
 #include "hostsim/cell/cellpanel.h"
@@ -27,6 +28,8 @@ int main(int argc, char **argv)
         std::fputs("cellpanel: there is no display; use cellctl instead\n", stderr);
         return 1;
     }
+    // As in the cell's own texts, and in the tool beside it.
+    QLocale::setDefault(QLocale::c());
     QApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("The training cell's panel."));

@@ -3,7 +3,8 @@
 
 #include <cctype>
 #include <cerrno>
-#include <cstdio>
+#include <charconv>
+#include <clocale>
 #include <cstdlib>
 
 namespace cell
@@ -64,8 +65,9 @@ bool parse_number(const std::string &text, double *number)
 {
     if (text.empty() || blank(text.front()))
         return false;
+    static const locale_t plain = newlocale(LC_NUMERIC_MASK, "C", nullptr);
     char *end = nullptr;
-    *number = std::strtod(text.c_str(), &end);
+    *number = strtod_l(text.c_str(), &end, plain);
     return *end == '\0';
 }
 
@@ -82,8 +84,8 @@ bool parse_integer(const std::string &text, long low, long high, long *number)
 std::string exact(double value)
 {
     char text[40];
-    std::snprintf(text, sizeof text, "%.17g", value);
-    return text;
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 17);
+    return {text, end.ptr};
 }
 
 } // namespace cell

@@ -15,7 +15,8 @@ namespace cell
 // quoted text that runs into the next word.
 bool split_line(const std::string &line, std::vector<std::string> *words, std::string *error);
 
-// The whole text as a number; "nan" and "inf" are numbers.
+// The whole text as a number; "nan" and "inf" are numbers. With a decimal point
+// whatever the program's locale is, here and in exact.
 bool parse_number(const std::string &text, double *number);
 bool parse_integer(const std::string &text, long low, long high, long *number);
 

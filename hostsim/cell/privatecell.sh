@@ -17,7 +17,6 @@ bin=$(dirname -- "$self")
 build=$(dirname -- "$bin")
 source_folder='@QUOTED_SOURCE_DIR@'
 cells=$build/share/zerl_util/cells
-lock_file=/tmp/.privatecell.lock
 
 usage() {
     cat <<'TEXT'
@@ -189,6 +188,39 @@ inside() {
     return "$status"
 }
 
+# ---- The session bus ---------------------------------------------------------
+
+# The socket of the first address of a bus, or nothing when it has none in the
+# file system. Special characters stand as %XX there.
+socket_of() {
+    address=${1%%;*}
+    case $address in
+    unix:runtime=yes*) printf '%s' "${XDG_RUNTIME_DIR:-}/bus" ;;
+    unix:path=* | unix:*,path=*)
+        path=${address#*path=}
+        env printf '%b' "$(printf '%s' "${path%%,*}" | sed 's/\\/\\\\/g; s/%/\\x/g')"
+        ;;
+    esac
+}
+
+no_bus() {
+    bus_socket=
+    DBUS_SESSION_BUS_ADDRESS=disabled:
+    export DBUS_SESSION_BUS_ADDRESS
+}
+
+# A bus that is named is passed on when it can be reached; else the programs are
+# told that there is none. Without a word they would try to start one, and wait
+# in vain for what cannot be written in the view.
+find_bus() {
+    bus_socket=
+    case ${DBUS_SESSION_BUS_ADDRESS:-} in
+    unix:abstract=* | tcp:*) return ;; # the network is the machine's in the view too
+    esac
+    bus_socket=$(socket_of "${DBUS_SESSION_BUS_ADDRESS:-}")
+    [ -S "$bus_socket" ] || no_bus
+}
+
 # ---- Outside: a view by name spaces ------------------------------------------
 
 # Adds to the arguments of bubblewrap, each quoted so that any path comes whole
@@ -239,6 +271,14 @@ bind_display() {
         ;;
     esac
     keep_from_tmp "${XAUTHORITY:-}"
+}
+
+# What stands in the machine's own places is not seen.
+bind_bus() {
+    case $bus_socket in
+    /cell/* | /specs/* | /ram/* | /vornax/* | /dev/shm/*) no_bus ;;
+    *) keep_from_tmp "$bus_socket" ;;
+    esac
 }
 
 bind_cell() {
@@ -311,6 +351,7 @@ run_in_namespaces() {
     bind_root
     add --setenv ZERL_PRIVATE_CELL 1 --unsetenv TMPDIR --die-with-parent
     bind_display
+    bind_bus
     keep_from_tmp "$build" "$source_folder" "$PWD" "$(command -v -- "$1" || :)"
     bind_cell
     for path in ${ZERL_WRITABLE:+"$ZERL_WRITABLE"}; do
@@ -343,36 +384,7 @@ run_in_namespaces() {
     exit "$status"
 }
 
-# ---- Outside: the places themselves ------------------------------------------
-
-remove_places() {
-    for place in /cell /specs /ram; do
-        if [ -L "$place" ]; then
-            rm -f "$place"
-        else
-            rm -rf "$place"
-        fi
-    done
-    rm -f /dev/shm/vornax.*
-    rm -rf /vornax
-}
-
-# Takes the lock, clears what a killed run left, and tells whether none of the
-# four places is anyone else's and all can be made.
-take_places() {
-    [ -w / ] || return 1
-    command -v flock >/dev/null 2>&1 || return 1
-    exec 9>"$lock_file" || return 1
-    if ! flock -n 9; then
-        say "another run uses /cell; waiting"
-        flock 9
-    fi
-    [ -e /vornax/.privatecell ] && remove_places
-    for place in /cell /specs /ram /vornax; do
-        [ -e "$place" ] || [ -L "$place" ] && return 1
-    done
-    mkdir /vornax 2>/dev/null && : >/vornax/.privatecell
-}
+# ---- Outside, or in a view already: what stands in it from the beginning -----
 
 copy_description() {
     cp -- "$description_file" "$1/cell.txt"
@@ -380,49 +392,6 @@ copy_description() {
         [ -d "$description_home/$place" ] || continue
         cp -R -- "$description_home/$place" "$1/$place"
     done
-}
-
-run_in_places() {
-    in_places=1
-    heed_signals
-    mkdir -p /vornax/bin /vornax/description
-    ln -s "$bin/bld_tables" /vornax/bin/bld_tables
-    if [ "$with_cell" = 1 ]; then
-        copy_description /vornax/description
-    fi
-    for place in cell specs ram; do
-        if [ -n "$folder" ]; then
-            mkdir -p -- "$folder/$place" && ln -s "$folder/$place" "/$place"
-        else
-            mkdir "/$place"
-        fi || refuse "/$place cannot be made"
-    done
-    ZERL_PRIVATE_CELL=1
-    export ZERL_PRIVATE_CELL
-    inside /vornax/description "$@"
-    exit $?
-}
-
-explain_refusal() {
-    say "a private view of /cell, /specs, /ram and /vornax cannot be made here."
-    if ! command -v bwrap >/dev/null 2>&1; then
-        say "bubblewrap is missing; type:  sudo apt-get install bubblewrap"
-    elif [ "$(cat /proc/sys/kernel/unprivileged_userns_clone 2>/dev/null)" = 0 ]; then
-        say "name spaces are refused; type:  sudo sysctl kernel.unprivileged_userns_clone=1"
-    elif [ "$(cat /proc/sys/kernel/apparmor_restrict_unprivileged_userns 2>/dev/null)" = 1 ]; then
-        say "name spaces are refused; type:" \
-            " sudo sysctl kernel.apparmor_restrict_unprivileged_userns=0"
-    elif [ "$(cat /proc/sys/user/max_user_namespaces 2>/dev/null)" = 0 ]; then
-        say "name spaces are refused; type:  sudo sysctl user.max_user_namespaces=10000"
-    else
-        say "name spaces are refused, as they are in some containers; start the" \
-            "container with --privileged, or with --security-opt seccomp=unconfined"
-    fi
-    for place in /cell /specs /ram /vornax; do
-        [ -e "$place" ] && say "and $place exists, so the places themselves are not touched."
-    done
-    [ -w / ] || say "and the places themselves can only be made by root."
-    exit "$CANNOT_RUN"
 }
 
 # ---- Command line ------------------------------------------------------------
@@ -499,8 +468,9 @@ if [ "$with_cell" = 1 ]; then
     [ -z "$description_home" ] || description_file=$description_home/cell.txt
 fi
 
+find_bus
 if [ "${ZERL_PRIVATE_CELL:-}" = 1 ]; then
-    mkdir -p "/tmp/privatecell.$$" && description=/tmp/privatecell.$$
+    description=$(mktemp -d /tmp/privatecell.XXXXXX) || refuse "no folder can be made in /tmp"
     if [ "$with_cell" = 1 ]; then
         copy_description "$description"
     fi
@@ -510,5 +480,7 @@ if [ "${ZERL_PRIVATE_CELL:-}" = 1 ]; then
     exit $?
 fi
 find_namespaces && run_in_namespaces "$@"
+# shellcheck source=/dev/null
+. "$build/share/zerl_util/places.sh"
 take_places && run_in_places "$@"
 explain_refusal

@@ -12,13 +12,10 @@ namespace
 using doubledouble::Pair;
 using Wide = Pair<Lanes>;
 
-// Relative to the terms that it comes from: well above the rounding of the
-// arithmetic (2^-104 an operation), far below anything that data can carry.
-constexpr double NOISE = 0x1p-96;
-// Polynomials that have shrunk below this share of their points' spread are
-// made of rounding.
-constexpr double LEAST_NORM = 0x1p-160;
-constexpr int MOST_PASSES = 12;
+// Bound for the error of a sum and a product together, as a part of the terms.
+constexpr double ROUNDING = 0x1p-102;
+// A polynomial with errors above this part of its values says nothing.
+constexpr double MOST_ERROR = 0x1p-10;
 
 inline double total(Lanes lanes)
 {
@@ -54,9 +51,11 @@ inline Wide less(Wide residual, Wide p, Lanes weight)
 // A first, rough weight: the rounding of plain sums is made good afterwards.
 void settle(Degree &degree, const Sums &sums)
 {
-    degree.norm = total(sums.squares);
-    degree.alpha = total(sums.positions) / degree.norm;
-    degree.weight = {total(sums.residuals) / degree.norm, 0.0};
+    degree.squares = total(sums.squares);
+    degree.norm = std::sqrt(degree.squares);
+    degree.alpha = total(sums.positions) / degree.squares;
+    degree.weight = {total(sums.residuals) / degree.squares, 0.0};
+    degree.correction = 0.0;
 }
 
 void start(const Samples &s, Degree &degree)
@@ -65,6 +64,7 @@ void start(const Samples &s, Degree &degree)
     for (std::size_t i = 0; i < s.blocks; ++i)
         accumulate(sums, s.position_hi[i], s.residual_hi[i], s.basis_hi[i]);
     degree.beta = 0.0;
+    degree.error = 0.0;
     settle(degree, sums);
 }
 
@@ -92,58 +92,46 @@ void extend(const Samples &s, const Degree *degrees, std::size_t k, Degree &next
         accumulate(sums, position.hi, residual.hi, value.hi);
     }
     settle(next, sums);
-    next.beta = next.norm / degrees[k - 1].norm;
+    next.beta = next.squares / degrees[k - 1].squares;
+    next.error =
+        (s.reach + std::fabs(alpha[0])) * (degrees[k - 1].error + ROUNDING * degrees[k - 1].norm);
+    if (k > 1)
+        next.error += std::fabs(beta[0]) * (degrees[k - 2].error + ROUNDING * degrees[k - 2].norm);
 }
 
-// Takes off weight times one polynomial, and sums the residuals times another
-// as exactly as with twice the digits.
-double exchange(const Samples &s, std::size_t off, double weight, std::size_t sought)
+void take_off(const Samples &s, std::size_t degree, double weight)
 {
     const Lanes share = spread(weight);
-    Lanes sum{};
-    Lanes rest{};
+    const std::size_t first = degree * s.blocks;
     for (std::size_t i = 0; i < s.blocks; ++i) {
-        const Wide p = {s.basis_hi[off * s.blocks + i], s.basis_lo[off * s.blocks + i]};
+        const Wide p = {s.basis_hi[first + i], s.basis_lo[first + i]};
         const Wide residual = less({s.residual_hi[i], s.residual_lo[i]}, p, share);
         s.residual_hi[i] = residual.hi;
         s.residual_lo[i] = residual.lo;
-        const Wide q = {s.basis_hi[sought * s.blocks + i], s.basis_lo[sought * s.blocks + i]};
-        const Wide product = doubledouble::two_prod(residual.hi, q.hi);
+    }
+}
+
+// Sum of the residuals times one polynomial, as exactly as with twice the
+// digits.
+double project(const Samples &s, std::size_t degree)
+{
+    const std::size_t first = degree * s.blocks;
+    Lanes sum{};
+    Lanes rest{};
+    for (std::size_t i = 0; i < s.blocks; ++i) {
+        const Wide p = {s.basis_hi[first + i], s.basis_lo[first + i]};
+        const Wide product = doubledouble::two_prod(s.residual_hi[i], p.hi);
         const Wide next = doubledouble::two_sum(sum, product.hi);
         sum = next.hi;
-        rest += next.lo + (product.lo + (residual.hi * q.lo + residual.lo * q.hi));
+        rest += next.lo + (product.lo + (s.residual_hi[i] * p.lo + s.residual_lo[i] * p.hi));
     }
     const Scalar folded = doubledouble::two_sum(sum[0], sum[1]);
     return folded.hi + (folded.lo + total(rest));
 }
 
-// One pass over all degrees, each corrected by what the residuals still hold of
-// it; the degrees are orthogonal but for rounding, so a pass gains as many
-// digits as a double has. pending is the correction of the last degree, still
-// to be taken off, and the result the largest correction, squared, as a part of
-// the fit's values.
-double correct(const Samples &s, Degree *degrees, std::size_t count, double &pending)
+double points_of(const Samples &s)
 {
-    double largest = 0.0;
-    std::size_t off = count - 1;
-    for (std::size_t k = 0; k < count; ++k) {
-        const double weight = exchange(s, off, pending, k) / degrees[k].norm;
-        degrees[k].weight = doubledouble::add(degrees[k].weight, weight);
-        largest = std::max(largest, weight * weight * degrees[k].norm);
-        pending = weight;
-        off = k;
-    }
-    return largest;
-}
-
-double largest_share(const Degree *degrees, std::size_t count)
-{
-    double largest = 0.0;
-    for (std::size_t k = 0; k < count; ++k) {
-        const double weight = degrees[k].weight.hi;
-        largest = std::max(largest, weight * weight * degrees[k].norm);
-    }
-    return largest;
+    return static_cast<double>(LANES * s.blocks);
 }
 
 double sum_of_squares(const Samples &s)
@@ -154,45 +142,94 @@ double sum_of_squares(const Samples &s)
     return total(sum);
 }
 
-// A weight within its own noise is the rounding of a zero.
-void drop_noise(Degree *degrees, std::size_t count, double values)
+// Bound for the shares of the polynomials in one another.
+double measure_skew(const Samples &s, const Degree *degrees, std::size_t count)
 {
+    double squares = 0.0;
+    double error = 0.0;
+    for (std::size_t k = 0; k < count; ++k) {
+        error = std::max(error, degrees[k].error / degrees[k].norm);
+        for (std::size_t j = 0; j < k; ++j) {
+            Lanes sum{};
+            for (std::size_t i = 0; i < s.blocks; ++i)
+                sum += s.basis_hi[k * s.blocks + i] * s.basis_hi[j * s.blocks + i];
+            const double share = total(sum) / (degrees[k].norm * degrees[j].norm);
+            squares += 2 * share * share;
+        }
+    }
+    const double plain_sum = (points_of(s) / LANES + 4) * 0x1p-53;
+    const double values = 4 * std::sqrt(points_of(s)) * error;
+    return std::sqrt(squares) + static_cast<double>(count) * (plain_sum + values);
+}
+
+// What taking a share of one polynomial off the residuals adds to their error.
+double share_error(const Degree &degree, double weight, double values)
+{
+    return std::fabs(weight) * (degree.error + ROUNDING * degree.norm) + 2 * ROUNDING * values;
+}
+
+// What the weights can be off: by the errors of residuals and polynomials in
+// the projections, and by what the pass could not see of its own corrections,
+// which the polynomials have in common.
+void bound_noise(const Samples &s, Degree *degrees, std::size_t count, Progress &progress)
+{
+    const double root = std::sqrt(points_of(s));
+    const double sums = ROUNDING * points_of(s) * progress.values;
+    progress.rounding = 0.0;
     for (std::size_t k = 0; k < count; ++k) {
         Degree &degree = degrees[k];
-        degree.noise = NOISE * std::sqrt(values / degree.norm);
-        if (std::fabs(degree.weight.hi) <= degree.noise)
-            degree.weight = {0.0, 0.0};
-        degree.noise = std::max(degree.noise, NOISE * std::fabs(degree.weight.hi));
+        degree.noise =
+            root * progress.residual_error + sums +
+            root * (progress.values + root * progress.residual_error) * degree.error / degree.norm;
+        progress.rounding += degree.noise * degree.noise;
+    }
+    progress.rounding = std::sqrt(progress.rounding);
+    const double common = 2 * progress.skew * (progress.correction + progress.rounding);
+    for (std::size_t k = 0; k < count; ++k) {
+        Degree &degree = degrees[k];
+        degree.noise = (1.25 * degree.noise + common) / degree.norm +
+                       0x1p-50 * std::fabs(degree.correction) +
+                       ROUNDING * std::fabs(degree.weight.hi);
     }
 }
 
 } // namespace
 
-std::size_t fit(const Samples &samples, Degree *degrees, std::size_t count)
+bool build(const Samples &samples, Degree *degrees, std::size_t count, Progress &progress)
 {
-    const double values = sum_of_squares(samples);
+    progress = {};
+    progress.values = std::sqrt(sum_of_squares(samples));
     start(samples, degrees[0]);
-    const double least = LEAST_NORM * degrees[0].norm;
-    std::size_t known = 1;
-    while (known < count) {
-        extend(samples, degrees, known, degrees[known]);
-        if (!(degrees[known].norm > least) || !std::isfinite(degrees[known].norm))
-            break;
-        ++known;
+    for (std::size_t k = 1; k < count; ++k) {
+        extend(samples, degrees, k, degrees[k]);
+        const double norm = degrees[k].norm;
+        if (!(norm * MOST_ERROR > degrees[k].error) || !std::isfinite(norm))
+            return false;
+        progress.residual_error +=
+            share_error(degrees[k - 1], degrees[k - 1].weight.hi, progress.values);
     }
-    // Where the next degree was refused, the last one is off the residuals.
-    double pending = known < count ? 0.0 : degrees[known - 1].weight.hi;
-    double former = largest_share(degrees, known);
-    const double whole = former;
-    for (int pass = 0; pass < MOST_PASSES && former > 0.0; ++pass) {
-        const double now = correct(samples, degrees, known, pending);
-        // The next correction would be smaller by the same ratio again.
-        if (!(now < former) || now / former * now <= NOISE * NOISE * whole)
-            break;
-        former = now;
+    progress.skew = measure_skew(samples, degrees, count);
+    return true;
+}
+
+void correct(const Samples &samples, Degree *degrees, std::size_t count, bool first,
+             Progress &progress)
+{
+    // After build only the last degree is still in the residuals.
+    for (std::size_t k = first ? count - 1 : 0; k < count; ++k) {
+        const double weight = first ? degrees[k].weight.hi : degrees[k].correction;
+        take_off(samples, k, weight);
+        progress.residual_error += share_error(degrees[k], weight, progress.values);
     }
-    drop_noise(degrees, known, values);
-    return known;
+    progress.correction = 0.0;
+    for (std::size_t k = 0; k < count; ++k) {
+        Degree &degree = degrees[k];
+        degree.correction = project(samples, k) / degree.squares;
+        degree.weight = doubledouble::add(degree.weight, degree.correction);
+        progress.correction += degree.correction * degree.correction * degree.squares;
+    }
+    progress.correction = std::sqrt(progress.correction);
+    bound_noise(samples, degrees, count, progress);
 }
 
 void to_powers(const Degree *degrees, std::size_t count, double centre, const Powers &out)
@@ -213,8 +250,11 @@ void to_powers(const Degree *degrees, std::size_t count, double centre, const Po
             Scalar value = doubledouble::add(doubledouble::multiply(next[i], alpha),
                                              doubledouble::multiply(after[i], beta));
             noise[i] = std::fabs(alpha) * next_noise[i] + std::fabs(beta) * after_noise[i];
+            noise[i] +=
+                2 * ROUNDING * (std::fabs(alpha * next[i].hi) + std::fabs(beta * after[i].hi));
             value = doubledouble::add(value, i > 0 ? next[i - 1] : degrees[k].weight);
             noise[i] += i > 0 ? next_noise[i - 1] : degrees[k].noise;
+            noise[i] += ROUNDING * std::fabs(value.hi);
             now[i] = value;
         }
         std::swap(now, after);
@@ -226,7 +266,9 @@ void to_powers(const Degree *degrees, std::size_t count, double centre, const Po
     for (std::size_t i = 0; i + 1 < count; ++i) {
         for (std::size_t j = count - 1; j-- > i;) {
             next[j] = doubledouble::add(next[j], doubledouble::multiply(next[j + 1], -centre));
-            next_noise[j] += std::fabs(centre) * next_noise[j + 1];
+            next_noise[j] +=
+                std::fabs(centre) * next_noise[j + 1] +
+                2 * ROUNDING * (std::fabs(centre * next[j + 1].hi) + std::fabs(next[j].hi));
         }
     }
     if (next != out.powers) {

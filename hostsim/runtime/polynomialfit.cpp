@@ -6,19 +6,21 @@
 // doubles loses up to eight digits on ordinary load cell data. The points are
 // centred and scaled by powers of two, which loses nothing, fitted in
 // polynomials orthogonal over the points with about 32 digits, and the result
-// is expanded into powers.
+// is expanded into powers. A bound for the rounding goes along: where it does
+// not show each coefficient to be right, as with points in tight groups, the
+// fit is made again with 62 digits.
 #include "host/operations.h"
 
 #include <gsl/gsl_sort.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <limits>
 #include <memory>
 #include <new>
 
+#include "hostsim/runtime/newtonfit.h"
 #include "hostsim/runtime/polybasis.h"
 
 namespace
@@ -27,74 +29,66 @@ namespace
 using polybasis::Degree;
 using polybasis::Lanes;
 using polybasis::LANES;
+using polybasis::Progress;
 using polybasis::Samples;
 using polybasis::Scalar;
 
-// A coefficient that is within its rounding and whose share of the fit, over
-// the points, is below this part of the values is the rounding of a zero.
-constexpr double UNSEEN = 0x1p-60;
+// A coefficient that may be off by no more than this part of itself is rounded
+// to the right double, or to its neighbour where it lies between two.
+constexpr double SETTLED = 0x1p-60;
+// Polynomials that share more than this say nothing.
+constexpr double MOST_SKEW = 0.1;
+constexpr int MOST_PASSES = 6;
 
-// Buffers for one fit: on the stack for a table's points and coefficients, so
+// Code in the host's log.
+constexpr int32_t LOG_FIT_UNSETTLED = 931;
+
+// Memory for one fit: on the stack for a table's points and coefficients, so
 // that the live fit allocates nothing, otherwise from the heap.
-struct Buffers {
-    // False when there is no memory for a fit of that size.
-    bool reserve(std::size_t points, std::size_t count);
-    Samples samples(std::size_t count) const;
-    polybasis::Powers powers(std::size_t count) const;
-
-    std::size_t blocks = 0;
-    Lanes *lanes = own_lanes.data();
-    Degree *degrees = own_degrees.data();
-    Scalar *scalars = own_scalars.data();
-    double *noise = own_noise.data();
-    double *sorted = own_sorted.data();
+class Arena
+{
+public:
+    // Forgets what was taken; false when there is no memory for that much.
+    bool reserve(std::size_t bytes);
+    // So many of T, all zero.
+    template <class T> T *take(std::size_t count)
+    {
+        T *first = reinterpret_cast<T *>(free);
+        free += units(count * sizeof(T));
+        std::uninitialized_value_construct_n(first, count);
+        return first;
+    }
+    // What so many of T take at most.
+    template <class T> static std::size_t bytes(std::size_t count)
+    {
+        static_assert(alignof(T) <= alignof(Unit), "");
+        return count * sizeof(T) + sizeof(Unit);
+    }
 
 private:
-    std::array<Lanes, TABLE_POINTS / LANES *(4 + 2 * POLY_COEFFS)> own_lanes;
-    std::array<Degree, POLY_COEFFS> own_degrees;
-    std::array<Scalar, 3 * POLY_COEFFS> own_scalars;
-    std::array<double, 3 * POLY_COEFFS> own_noise;
-    std::array<double, TABLE_POINTS> own_sorted;
-    std::unique_ptr<Lanes[]> heap_lanes;
-    std::unique_ptr<Degree[]> heap_degrees;
-    std::unique_ptr<Scalar[]> heap_scalars;
-    std::unique_ptr<double[]> heap_noise;
-    std::unique_ptr<double[]> heap_sorted;
+    struct alignas(16) Unit {
+        unsigned char bytes[16];
+    };
+    static constexpr std::size_t OWN = 65536 / sizeof(Unit);
+    static std::size_t units(std::size_t bytes)
+    {
+        return (bytes + sizeof(Unit) - 1) / sizeof(Unit);
+    }
+
+    Unit own[OWN];
+    std::unique_ptr<Unit[]> heap;
+    Unit *free = own;
 };
 
-bool Buffers::reserve(std::size_t points, std::size_t count)
+bool Arena::reserve(std::size_t bytes)
 {
-    blocks = (points + LANES - 1) / LANES;
-    if (points <= TABLE_POINTS && count <= POLY_COEFFS)
+    if (units(bytes) <= OWN) {
+        free = own;
         return true;
-    heap_lanes.reset(new (std::nothrow) Lanes[blocks * (4 + 2 * count)]);
-    heap_degrees.reset(new (std::nothrow) Degree[count]);
-    heap_scalars.reset(new (std::nothrow) Scalar[3 * count]);
-    heap_noise.reset(new (std::nothrow) double[3 * count]);
-    heap_sorted.reset(new (std::nothrow) double[points]);
-    lanes = heap_lanes.get();
-    degrees = heap_degrees.get();
-    scalars = heap_scalars.get();
-    noise = heap_noise.get();
-    sorted = heap_sorted.get();
-    return lanes && degrees && scalars && noise && sorted;
-}
-
-Samples Buffers::samples(std::size_t count) const
-{
-    Lanes *basis = lanes + 4 * blocks;
-    return {blocks,
-            lanes,
-            lanes + blocks,
-            lanes + 2 * blocks,
-            lanes + 3 * blocks,
-            basis,
-            basis + count * blocks};
-}
-
-polybasis::Powers Buffers::powers(std::size_t count) const
-{
-    return {scalars, noise, scalars + count, noise + count};
+    }
+    heap.reset(new (std::nothrow) Unit[units(bytes)]);
+    free = heap.get();
+    return free != nullptr;
 }
 
 // Multiplies by a power of two in two steps, since one factor alone may be out
@@ -161,87 +155,172 @@ struct Scale {
     int x_exponent;
     int y_exponent;
     double centre;
-    double reach; // largest magnitude of x * 2^-x_exponent
-    double high;  // largest magnitude of y * 2^-y_exponent
+    double reach; // largest magnitude of u
 };
 
 Scale find_scale(const Range &x, const Range &y)
 {
     Scale scale{};
-    const double reach = std::max(std::fabs(x.low), std::fabs(x.high));
+    const double largest = std::max(std::fabs(x.low), std::fabs(x.high));
     const double half = x.high / 2 - x.low / 2;
-    scale.x_exponent = exponent_of(half > 0.0 ? half : reach);
+    scale.x_exponent = exponent_of(half > 0.0 ? half : largest);
     const PowerOfTwo factor(-scale.x_exponent);
     scale.centre = factor * x.low / 2 + factor * x.high / 2;
-    scale.reach = factor * reach;
-    const double high = std::max(std::fabs(y.low), std::fabs(y.high));
-    scale.y_exponent = exponent_of(high);
-    scale.high = PowerOfTwo(-scale.y_exponent) * high;
+    scale.reach = std::max(scale.centre - factor * x.low, factor * x.high - scale.centre);
+    scale.y_exponent = exponent_of(std::max(std::fabs(y.low), std::fabs(y.high)));
     return scale;
 }
 
-void load(const Samples &s, const Scale &scale, const double *x, const double *y, std::size_t n)
+// The points as they were given.
+struct Given {
+    std::size_t n;
+    const double *x;
+    const double *y;
+};
+
+Samples load(const Given &given, const Scale &scale, std::size_t count, Arena &arena)
 {
     const PowerOfTwo x_factor(-scale.x_exponent);
     const PowerOfTwo y_factor(-scale.y_exponent);
-    for (std::size_t i = 0; i < s.blocks; ++i) {
-        s.position_hi[i] = s.position_lo[i] = Lanes{};
-        s.residual_hi[i] = s.residual_lo[i] = Lanes{};
-        s.basis_hi[i] = s.basis_lo[i] = Lanes{};
-    }
-    for (std::size_t i = 0; i < n; ++i) {
+    const std::size_t blocks = (given.n + LANES - 1) / LANES;
+    auto *points = arena.take<Lanes>(4 * blocks);
+    auto *basis = arena.take<Lanes>(2 * count * blocks);
+    const Samples s = {blocks,          scale.reach,           points,
+                       points + blocks, points + 2 * blocks,   points + 3 * blocks,
+                       basis,           basis + count * blocks};
+    for (std::size_t i = 0; i < given.n; ++i) {
         const std::size_t block = i / LANES;
         const std::size_t lane = i % LANES;
-        const Scalar position = doubledouble::two_sum(x_factor * x[i], -scale.centre);
+        const Scalar position = doubledouble::two_sum(x_factor * given.x[i], -scale.centre);
         s.position_hi[block][lane] = position.hi;
         s.position_lo[block][lane] = position.lo;
-        s.residual_hi[block][lane] = y_factor * y[i];
+        s.residual_hi[block][lane] = y_factor * given.y[i];
         s.basis_hi[block][lane] = 1.0;
     }
+    return s;
 }
 
-// Rounds to the given doubles, in the units of the points.
-void store_powers(const polybasis::Powers &fit, std::size_t count, const Scale &scale,
-                  double *store)
+// A coefficient in the units of the points; exponent is that of a factor.
+double unscaled(double value, std::size_t power, const Scale &scale, int exponent)
 {
-    double share = 1.0; // largest value of the power over the points
-    for (std::size_t k = 0; k < count; ++k) {
-        const double value = fit.powers[k].hi;
-        const double size = std::fabs(value);
-        const bool nothing =
-            size == 0.0 || (size <= fit.noise[k] && size * share <= UNSEEN * scale.high);
-        const double exponent =
-            scale.y_exponent - static_cast<double>(k) * static_cast<double>(scale.x_exponent);
-        // Beyond this the result is infinite or zero in any case.
-        const double bounded = std::clamp(exponent, -10000.0, 10000.0);
-        store[k] = nothing ? 0.0 : std::ldexp(value, static_cast<int>(bounded));
-        share *= scale.reach;
-    }
+    const double whole = exponent + scale.y_exponent -
+                         static_cast<double>(power) * static_cast<double>(scale.x_exponent);
+    // Beyond this the result is infinite or zero in any case.
+    const double bounded = std::clamp(whole, -10000.0, 10000.0);
+    return value == 0.0 ? 0.0 : std::ldexp(value, static_cast<int>(bounded));
 }
 
-int32_t fit_points(std::size_t n, std::size_t wanted, const double *x, const double *y,
-                   double *store)
+bool settled(const polybasis::Powers &fit, std::size_t count)
+{
+    for (std::size_t k = 0; k < count; ++k) {
+        if (!(fit.noise[k] <= SETTLED * std::fabs(fit.powers[k].hi)))
+            return false;
+    }
+    return true;
+}
+
+// Corrects the weights until each power is settled; false when another pass
+// would gain nothing.
+bool refine(const Samples &samples, Degree *degrees, std::size_t count, Progress &progress,
+            double centre, const polybasis::Powers &powers)
+{
+    double former = std::numeric_limits<double>::infinity();
+    for (int pass = 0; pass < MOST_PASSES; ++pass) {
+        polybasis::correct(samples, degrees, count, pass == 0, progress);
+        polybasis::to_powers(degrees, count, centre, powers);
+        if (settled(powers, count))
+            return true;
+        const bool gaining = progress.correction < former / 2;
+        if (!gaining || progress.skew * progress.correction < progress.rounding)
+            return false;
+        former = progress.correction;
+    }
+    return false;
+}
+
+// With 32 digits. False when they do not settle the coefficients.
+bool fit_quickly(const Given &given, const Scale &scale, std::size_t count, Arena &arena,
+                 double *store)
+{
+    const Samples samples = load(given, scale, count, arena);
+    auto *degrees = arena.take<Degree>(count);
+    auto *powers = arena.take<Scalar>(3 * count);
+    auto *noise = arena.take<double>(3 * count);
+    const polybasis::Powers fit = {powers, noise, powers + count, noise + count};
+    Progress progress{};
+    if (!polybasis::build(samples, degrees, count, progress) || !(progress.skew <= MOST_SKEW) ||
+        !refine(samples, degrees, count, progress, scale.centre, fit))
+        return false;
+    for (std::size_t k = 0; k < count; ++k)
+        store[k] = unscaled(powers[k].hi, k, scale, 0);
+    return true;
+}
+
+// With 62 digits; stores what they give, and says so where that is not enough.
+void fit_thoroughly(const Given &given, const Scale &scale, std::size_t count, Arena &arena,
+                    double *store)
+{
+    const PowerOfTwo x_factor(-scale.x_exponent);
+    const PowerOfTwo y_factor(-scale.y_exponent);
+    auto *x = arena.take<double>(given.n);
+    auto *y = arena.take<double>(given.n);
+    for (std::size_t i = 0; i < given.n; ++i) {
+        x[i] = x_factor * given.x[i];
+        y[i] = y_factor * given.y[i];
+    }
+    const newtonfit::Workspace work = {arena.take<qd_real>(count * given.n),
+                                       arena.take<qd_real>(given.n),
+                                       arena.take<qd_real>(count * count),
+                                       arena.take<double>(count * count),
+                                       arena.take<newtonfit::Degree>(count),
+                                       arena.take<qd_real>(count),
+                                       arena.take<double>(count)};
+    const newtonfit::Result result = newtonfit::fit({given.n, x, y}, count, work);
+    for (std::size_t k = 0; k < count; ++k)
+        store[k] = unscaled(work.powers[k].x[0], k, scale, result.exponent);
+    if (!result.settled)
+        log_error(__FILE__, __LINE__, 1, LOG_FIT_UNSETTLED,
+                  "polynomial of degree %zu through %zu points is not exact to the last digit",
+                  count - 1, given.n);
+}
+
+std::size_t quick_bytes(std::size_t n, std::size_t count)
+{
+    return Arena::bytes<Lanes>((n + 1) / LANES * (4 + 2 * count)) + sizeof(Lanes) +
+           Arena::bytes<Degree>(count) + Arena::bytes<Scalar>(3 * count) +
+           Arena::bytes<double>(3 * count) + Arena::bytes<double>(n);
+}
+
+std::size_t thorough_bytes(std::size_t n, std::size_t count)
+{
+    return Arena::bytes<qd_real>((n + count + 2) * (count + 1)) + 3 * sizeof(qd_real) +
+           Arena::bytes<double>(2 * n + 2 + count * count + count) + 3 * sizeof(qd_real) +
+           Arena::bytes<newtonfit::Degree>(count);
+}
+
+int32_t fit_points(const Given &given, std::size_t wanted, double *store)
 {
     Range x_range{};
     Range y_range{};
-    const bool finite = find_range(x, n, x_range) && find_range(y, n, y_range);
+    const bool finite =
+        find_range(given.x, given.n, x_range) && find_range(given.y, given.n, y_range);
     if (!finite) {
         std::fill_n(store, wanted, std::numeric_limits<double>::quiet_NaN());
         return -1;
     }
     std::fill_n(store, wanted, 0.0);
-    const std::size_t limit = std::min(n, wanted);
-    Buffers buffers;
-    if (!buffers.reserve(n, limit))
+    const std::size_t limit = std::min(given.n, wanted);
+    Arena arena;
+    if (!arena.reserve(quick_bytes(given.n, limit)))
         return -1;
-    const std::size_t distinct = count_distinct(x, n, limit, buffers.sorted);
+    const std::size_t distinct =
+        count_distinct(given.x, given.n, limit, arena.take<double>(given.n));
     const Scale scale = find_scale(x_range, y_range);
-    const Samples samples = buffers.samples(distinct);
-    load(samples, scale, x, y, n);
-    const std::size_t count = polybasis::fit(samples, buffers.degrees, distinct);
-    const polybasis::Powers powers = buffers.powers(count);
-    polybasis::to_powers(buffers.degrees, count, scale.centre, powers);
-    store_powers(powers, count, scale, store);
+    if (fit_quickly(given, scale, distinct, arena, store))
+        return 0;
+    if (!arena.reserve(thorough_bytes(given.n, distinct)))
+        return -1;
+    fit_thoroughly(given, scale, distinct, arena, store);
     return 0;
 }
 
@@ -262,5 +341,5 @@ extern "C" int32_t polynomialfit(int32_t obs, int32_t coeff_count, const double 
         std::fill_n(store, wanted, 0.0);
         return -1;
     }
-    return fit_points(static_cast<std::size_t>(obs), wanted, x, y, store);
+    return fit_points({static_cast<std::size_t>(obs), x, y}, wanted, store);
 }

@@ -6,10 +6,13 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <memory>
 
+#include "acquisition/monitorthread.h"
 #include "calibration/tableload.h"
 #include "frame/functions.h"
 #include "frame/hostlink.h"
+#include "frame/tablelock.h"
 
 namespace
 {
@@ -59,6 +62,12 @@ void read_table_into(ZERL_CFG *cfg)
         return;
     }
     copyn(__FILE__, __LINE__, cfg->table_units, cfg->table.eng_units, sizeof cfg->table_units);
+}
+
+// Null before the monitor thread is made: then there is nobody to hold off.
+QMutex *table_mutex()
+{
+    return g_monitor_thread != nullptr ? g_monitor_thread->table_mutex() : nullptr;
 }
 
 // "%5d  -  %s" by hand: a list may hold 32,767 of them.
@@ -129,10 +138,27 @@ void bind_active_channel(ZERL_CFG *cfg)
         bind_channel(cfg);
 }
 
+void publish_record(ZERL_CFG *copy, ZERL_CFG *record)
+{
+    const TableLock lock(table_mutex());
+    copy->live_mv = record->live_mv;
+    copy->live_eu = record->live_eu;
+    copy->monitor_pass_done = record->monitor_pass_done;
+    *record = *copy;
+}
+
 int32_t rebind_channel(ZERL_CFG *cfg)
 {
-    const int32_t result = bind_channel(cfg);
-    if (result == 0)
-        cfg->table_dirty = 0;
+    // A copy, so that the passes meanwhile go on by the former table.
+    const auto local = std::make_unique<ZERL_CFG>();
+    {
+        const TableLock lock(table_mutex());
+        *local = *cfg;
+    }
+    const int32_t result = bind_channel(local.get());
+    if (result == 0) {
+        local->table_dirty = 0;
+        publish_record(local.get(), cfg);
+    }
     return result;
 }

@@ -26,7 +26,13 @@ int32_t bind_channel(ZERL_CFG *cfg);
 // bind_channel when the record's channel is active, otherwise nothing.
 void bind_active_channel(ZERL_CFG *cfg);
 
-// bind_channel for the rebuild of the tables: success clears table_dirty.
+// Publishes a copy of the record that a table was loaded into: in one block copy
+// under the table mutex, but for the fields that the monitor thread writes, which
+// the copy takes over.
+void publish_record(ZERL_CFG *copy, ZERL_CFG *record);
+
+// bind_channel for the rebuild of the tables: success clears table_dirty. A
+// refused channel leaves the record as it is.
 int32_t rebind_channel(ZERL_CFG *cfg);
 
 #endif

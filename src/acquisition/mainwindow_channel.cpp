@@ -80,7 +80,7 @@ void MainWindow::no_channel_chosen()
     }
     tell(this, QMessageBox::Information, QString(),
          QStringLiteral("Please select a valid channel number and name"));
-    if (!termination_requested())
+    if (!end_decided())
         revert_channel(g_cfg->channel);
 }
 
@@ -113,15 +113,14 @@ void MainWindow::recount_captured_rows()
 }
 
 // Puts the combo back. Its slot then binds the channel again, so the table is
-// read anew and what was captured and not recorded is gone from the record.
+// read anew and what was captured and not recorded is gone from the record. A
+// channel without an item leaves the list blank, as no channel.
 void MainWindow::revert_channel(int16_t channel)
 {
     const int item =
         ui->cboCurrentChannel->findText(channel_item_prefix(channel), Qt::MatchContains);
     for (int i = 0; i < MAX_POINTS; ++i)
         row(i)->saved_style = row(i)->value_style();
-    if (item < 0)
-        return; // never bound: there is nothing to go back to
     m_channel_reverting = true;
     ui->cboCurrentChannel->setCurrentIndex(item);
     m_channel_reverting = false;
@@ -140,7 +139,7 @@ void MainWindow::bind_selected_channel(ZERL_CFG *local)
     ui->menuStatistics->setEnabled(false);
     ui->actionCal_Statistics_Chart->setEnabled(false);
     relaxed_store(g_monitor_enabled, static_cast<uint8_t>(0));
-    *g_cfg = *local;
+    publish_record(local, g_cfg);
     sync_type_controls(local);
     lock.unlock();
     show_bound_channel();
@@ -170,7 +169,7 @@ void MainWindow::repair_sensor_range(uint32_t reason)
     TableLock lock(m_table_mutex);
     ConfigDialog2 dialog(this, true, reason);
     const bool accepted = dialog.exec() == QDialog::Accepted;
-    if (termination_requested())
+    if (end_decided())
         return;
     if (accepted && dialog.reason_code == 0) {
         show_serial_number();

@@ -15,6 +15,7 @@
 #include "frame/tablelock.h"
 #include "ui_mainwindow.h"
 #include "window/styles.h"
+#include "window/termination.h"
 
 namespace
 {
@@ -32,8 +33,12 @@ bool MainWindow::check_num_points() const
 
 void MainWindow::on_txtNumPoints_returnPressed()
 {
+    if (end_decided())
+        return;
     if (!check_num_points()) {
         ask_question(this, QUESTION_INVALID_POINTS);
+        if (end_decided())
+            return;
         ui->txtNumPoints->clear();
         return;
     }
@@ -91,10 +96,15 @@ void MainWindow::grow_point_count(ZERL_CFG *cfg, int old_count, int new_count)
 
 void MainWindow::on_txtAveragingTime_editingFinished()
 {
+    m_time_left = false;
+    if (end_decided())
+        return;
     const long seconds = ui->txtAveragingTime->text().toLong();
     if (seconds < MIN_AVERAGING_S || seconds > MAX_AVERAGING_S) {
         const QSignalBlocker blocker(ui->txtAveragingTime);
         ask_question(this, QUESTION_AVERAGING_TIME);
+        if (end_decided())
+            return;
         ui->txtAveragingTime->setText(QStringLiteral("10"));
     }
     // The length first: a pass that finds the flag down reads it at once.

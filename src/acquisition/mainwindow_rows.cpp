@@ -44,10 +44,11 @@ void tell_duplicate(int32_t index, double mv, int other)
 
 } // namespace
 
-// The rows are tabbed through where they stand, before the buttons of the process.
+// The rows are tabbed through where they stand, before the buttons of the process;
+// fresh ones behind the old ones.
 void MainWindow::create_rows()
 {
-    QWidget *before = ui->scrollArea;
+    QWidget *before = m_rows.isEmpty() ? ui->scrollArea : m_rows.last()->last_stop();
     for (int i = 0; i < MAX_POINTS; ++i) {
         auto *new_row = new PointInfo(this, i, ui->scrollAreaWidgetContents);
         m_rows.append(new_row);
@@ -82,6 +83,8 @@ void MainWindow::clear_row_captions()
 void MainWindow::write_row_values(QLineEdit *value_field, QLabel *mv_label, int i)
 {
     value_field->setText(value_text(g_cfg->long_current.y[i]));
+    if (value_field == row(i)->value_field())
+        row(i)->value_written();
     mv_label->setText(value_text(g_cfg->long_current.x[i]));
 }
 

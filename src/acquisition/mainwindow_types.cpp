@@ -105,7 +105,7 @@ void MainWindow::on_cboCalType_currentIndexChanged(int index)
 
 void MainWindow::choose_type_poly()
 {
-    g_cfg->table.table_type = TABLE_POLY;
+    relaxed_store(g_cfg->table.table_type, static_cast<uint16_t>(TABLE_POLY));
     ui->cboPolyRangeIndex->setEnabled(false);
     // The second range is read, not the one in work: the combo's index stands in
     // for it, and that is kept.
@@ -120,7 +120,7 @@ void MainWindow::choose_type_poly()
 
 void MainWindow::choose_type_interp()
 {
-    g_cfg->table.table_type = TABLE_INTERP;
+    relaxed_store(g_cfg->table.table_type, static_cast<uint16_t>(TABLE_INTERP));
     ui->cboOrderOfPolynomial->setCurrentIndex(0);
     ui->cboOrderOfPolynomial->setEnabled(false);
     ui->cboPolyRangeIndex->setEnabled(false);
@@ -130,8 +130,8 @@ void MainWindow::choose_type_interp()
 
 void MainWindow::choose_type_poly_range()
 {
-    g_cfg->table.table_type = TABLE_POLY_RANGE;
-    g_cfg->table.poly_range_index = 0;
+    relaxed_store(g_cfg->table.table_type, static_cast<uint16_t>(TABLE_POLY_RANGE));
+    relaxed_store(g_cfg->table.poly_range_index, static_cast<int16_t>(0));
     select_degree(g_cfg->table.poly[0].num_points - 1);
     set_range_item_enabled(true);
     sync_type_controls(g_cfg);
@@ -148,8 +148,8 @@ void MainWindow::on_cboOrderOfPolynomial_currentIndexChanged(int)
     g_cfg->table_dirty = 0;
     // The list of POLY_RANGE goes beyond what a range holds.
     if (table.table_type == TABLE_POLY || table.table_type == TABLE_POLY_RANGE)
-        table.poly[range_index(table)].num_coeffs =
-            static_cast<int16_t>(std::min<int>(text.toInt() + 1, POLY_COEFFS));
+        relaxed_store(table.poly[range_index(table)].num_coeffs,
+                      static_cast<int16_t>(std::min<int>(text.toInt() + 1, POLY_COEFFS)));
     g_poly_order_text = text;
     update_plot(g_cfg);
     show_coefficients(g_cfg);
@@ -157,7 +157,7 @@ void MainWindow::on_cboOrderOfPolynomial_currentIndexChanged(int)
 
 void MainWindow::on_cboPolyRangeIndex_currentIndexChanged(int index)
 {
-    g_cfg->table.poly_range_index = static_cast<int16_t>(index);
+    relaxed_store(g_cfg->table.poly_range_index, static_cast<int16_t>(index));
     g_cal_type_changed = 1;
     select_degree(g_cfg->table.poly[range_index(g_cfg->table)].num_points - 1);
     recompute_table_view(this);

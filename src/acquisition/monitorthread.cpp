@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 
 #include "calibration/tableload.h"
@@ -56,13 +55,33 @@ double seconds_now()
 double evaluate_range(const POLY_RANGE_RECORD &range, double mv)
 {
     POLY_RANGE_RECORD local;
-    std::memcpy(&local, &range, sizeof local);
+    relaxed_copy(local, range);
     double coeffs[MAX_POINTS];
     const int count = load_coefficients(local, coeffs);
     double sum = 0.0;
     for (int i = count - 1; i >= 0; --i)
         sum = sum * mv + coeffs[i];
     return sum;
+}
+
+// One reading (mV) through the table, of which `current` is a copy of the long
+// one: the host reads that in its own way, and the window writes single fields of
+// it at any moment.
+double convert_through(const LONG_TABLE &current, const TABLE_RECORD &table, uint16_t table_type,
+                       uint16_t *hint, double mv)
+{
+    switch (table_type) {
+    case TABLE_INTERP:
+        return linear_interp_long(hint, &current, 0, mv);
+    case TABLE_POLY:
+        return evaluate_range(table.poly[0], mv);
+    case TABLE_SCALED:
+        return mv * current.x[0];
+    case TABLE_POLY_RANGE:
+        return evaluate_range(table.poly[range_index(table)], mv);
+    default:
+        return 0.0;
+    }
 }
 
 // Adds readings until the window is full: one turn in normal running, the whole
@@ -83,17 +102,20 @@ void take_statistics(ZERL_CFG *cfg, uint16_t *hint)
 {
     const double mean = get_stat_member(&g_stat_xy, STAT_MEAN);
     relaxed_store(cfg->live_mv, mean);
-    const double live_eu = convert_reading(cfg->table.table_type, hint, cfg, mean);
+    LONG_TABLE current;
+    relaxed_copy(current, cfg->long_current);
+    const double live_eu =
+        convert_through(current, cfg->table, relaxed_load(cfg->table.table_type), hint, mean);
     relaxed_store(cfg->live_eu, live_eu);
     relaxed_store(g_sample.eu_mean, live_eu);
     relaxed_store(g_sample.mv_mean, get_stat_member(&g_stat_xy, STAT_MEAN));
 
     const double maximum = get_stat_member(&g_stat_xy, STAT_MAXIMUM);
     relaxed_store(g_sample.mv_max, maximum);
-    relaxed_store(g_sample.eu_max, linear_interp(hint, &cfg->long_current, 0, maximum));
+    relaxed_store(g_sample.eu_max, linear_interp(hint, &current, 0, maximum));
     const double minimum = get_stat_member(&g_stat_xy, STAT_MINIMUM);
     relaxed_store(g_sample.mv_min, minimum);
-    relaxed_store(g_sample.eu_min, linear_interp(hint, &cfg->long_current, 0, minimum));
+    relaxed_store(g_sample.eu_min, linear_interp(hint, &current, 0, minimum));
 
     const double deviation = get_stat_member(&g_stat_xy, STAT_DEVIATION);
     relaxed_store(g_sample.mv_std, deviation);
@@ -117,18 +139,9 @@ void alloc_fifos()
 
 double convert_reading(uint16_t table_type, uint16_t *hint, const ZERL_CFG *cfg, double mv)
 {
-    switch (table_type) {
-    case TABLE_INTERP:
-        return linear_interp_long(hint, &cfg->long_current, 0, mv);
-    case TABLE_POLY:
-        return evaluate_range(cfg->table.poly[0], mv);
-    case TABLE_SCALED:
-        return mv * cfg->long_current.x[0];
-    case TABLE_POLY_RANGE:
-        return evaluate_range(cfg->table.poly[range_index(cfg->table)], mv);
-    default:
-        return 0.0;
-    }
+    LONG_TABLE current;
+    relaxed_copy(current, cfg->long_current);
+    return convert_through(current, cfg->table, table_type, hint, mv);
 }
 
 monitorThread::monitorThread(QMutex *table_mutex) : m_table_mutex(table_mutex), m_sleep_ms(0)
@@ -157,8 +170,7 @@ void monitorThread::sample_pass()
     ZERL_CFG *cfg = g_cfg;
     uint16_t hint = 0;
     TableLock lock(m_table_mutex);
-    if (acquire_load(g_monitor_enabled) == 0) {
-        relaxed_store(g_monitor_enabled, static_cast<uint8_t>(1));
+    if (acquire_exchange(g_monitor_enabled, static_cast<uint8_t>(1)) == 0) {
         relaxed_store(g_monitor_run, static_cast<uint16_t>(1));
         alloc_fifos();
         clear_stat_values(&g_stat_xy);

@@ -38,6 +38,7 @@ public:
     ~monitorThread() override;
 
     void set_sleep_ms(int16_t ms);
+    QMutex *table_mutex() const { return m_table_mutex; }
 
     // One pass: sample, compute, convert, then the signal.
     void sample_pass();

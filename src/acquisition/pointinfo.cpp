@@ -7,21 +7,33 @@
 #include "acquisition/rowwindow.h"
 #include "acquisition/undodialog.h"
 #include "calibration/classification.h"
+#include "calibration/tableload.h"
 #include "frame/functions.h"
 #include "frame/relaxed.h"
 #include "frame/tablelock.h"
 #include "frame/zerl_cfg.h"
-#include "host/operations.h"
 #include "sensor/configdialog2.h"
 #include "ui_pointinfo.h"
 #include "window/numbervalidator.h"
 #include "window/styles.h"
+#include "window/termination.h"
 #include "window/touchfield.h"
+
+namespace
+{
+
+// The monitor thread may be reading it.
+void change_count(int16_t &count, int by)
+{
+    relaxed_store(count, static_cast<int16_t>(qMax(0, count + by)));
+}
+
+} // namespace
 
 PointInfo::PointInfo(RowWindow *main_window, int32_t row_index, QWidget *parent)
     : QWidget(parent), previous_mv(0.0), previous_status(0), status(0), state(POINT_AS_IN_TABLE),
-      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index), counted(false),
-      ui(std::make_unique<Ui::PointInfo>())
+      previous_state(POINT_AS_IN_TABLE), main(main_window), index(row_index),
+      counted_current(false), counted_range(false), ui(std::make_unique<Ui::PointInfo>())
 {
     ui->setupUi(this);
     if (g_touch_input) {
@@ -90,6 +102,11 @@ QWidget *PointInfo::put_in_tab_order(QWidget *before)
 {
     setTabOrder(before, ui->txtCurrentValue);
     setTabOrder(ui->txtCurrentValue, ui->btnCapture);
+    return last_stop();
+}
+
+QWidget *PointInfo::last_stop() const
+{
     return ui->btnCapture;
 }
 
@@ -131,13 +148,31 @@ void PointInfo::changeEvent(QEvent *event)
     }
 }
 
+void PointInfo::value_written()
+{
+    written = ui->txtCurrentValue->text();
+    ui->txtCurrentValue->setModified(false);
+}
+
+// By keys or by the pad, which sends the text without the blanks around it.
+bool PointInfo::value_edited() const
+{
+    return ui->txtCurrentValue->isModified() ||
+           ui->txtCurrentValue->text().trimmed() != written.trimmed();
+}
+
 // No mutex, no check and no unsaved work: the value is set up before a capture,
-// which is what then marks the work as unsaved.
+// which is what then marks the work as unsaved. Builds of Qt differ in when they
+// call an edit finished, so a field that was only visited is told apart here: its
+// text has fewer digits than the table.
 void PointInfo::on_txtCurrentValue_editingFinished()
 {
+    if (end_decided() || !value_edited())
+        return;
+    value_written(); // once for each edit
     const double value = ui->txtCurrentValue->text().toDouble();
-    g_cfg->table.poly[range_index(g_cfg->table)].y[index] = value;
-    g_cfg->long_current.y[index] = value;
+    relaxed_store(g_cfg->table.poly[range_index(g_cfg->table)].y[index], value);
+    relaxed_store(g_cfg->long_current.y[index], value);
     g_cfg->redraw_all = 1;
     g_cfg->table_dirty = 0;
     main->update_plot(g_cfg);
@@ -165,20 +200,40 @@ bool PointInfo::sensor_range_repaired()
     return false;
 }
 
+// Each count has a bound of its own: a refused capture of a late row runs the
+// long table's count ahead of the range's.
+void PointInfo::count_new_point()
+{
+    int16_t &current = g_cfg->long_current.num_points;
+    int16_t &range = g_cfg->table.poly[range_index(g_cfg->table)].num_points;
+    counted_current = current < MAX_POINTS;
+    counted_range = range < MAX_POINTS;
+    if (counted_current)
+        change_count(current, 1);
+    if (counted_range)
+        change_count(range, 1);
+}
+
+// A count that was full has kept its number, and keeps it now.
+void PointInfo::take_back_new_point()
+{
+    int16_t &current = g_cfg->long_current.num_points;
+    int16_t &range = g_cfg->table.poly[range_index(g_cfg->table)].num_points;
+    if (counted_current)
+        change_count(current, -1);
+    if (counted_range)
+        change_count(range, -1);
+}
+
 void PointInfo::capture()
 {
     if (!sensor_range_repaired())
         return;
-    POLY_RANGE_RECORD &range = g_cfg->table.poly[range_index(g_cfg->table)];
     LONG_TABLE &current = g_cfg->long_current;
     const bool grown = state == POINT_NEW;
     // A retry behind a refusal is no new point: what was counted then still is.
     if (grown)
-        counted = current.num_points < MAX_POINTS;
-    if (grown && counted) {
-        ++current.num_points;
-        ++range.num_points;
-    }
+        count_new_point();
     const double former_mv = current.x[index];
     const QString former_style = value_style();
     previous_state = state;
@@ -190,7 +245,7 @@ void PointInfo::capture()
     if (main->store_point(g_cfg, index, ui->txtCurrentValue->text().toDouble()) == 0)
         return;
     if (grown)
-        compute_long_table(&g_cfg->table, &current);
+        refresh_long_table(g_cfg);
     main->empty_next_step();
     previous_mv = former_mv;
     saved_style = former_style;
@@ -216,15 +271,12 @@ void PointInfo::undo()
     // Only the millivolts go back; the reference value stays, so that a later
     // capture does not need it again.
     ui->lblMillivolts->setText(value_text(previous_mv));
-    current.x[index] = previous_mv;
-    range.x[index] = previous_mv;
+    relaxed_store(current.x[index], previous_mv);
+    relaxed_store(range.x[index], previous_mv);
     const bool was_new = previous_state == POINT_NEW;
-    // A table that was full has kept its count, and keeps it now.
-    if (was_new && counted) {
-        current.num_points = static_cast<int16_t>(qMax(0, current.num_points - 1));
-        range.num_points = static_cast<int16_t>(qMax(0, range.num_points - 1));
-    }
-    compute_long_table(&g_cfg->table, &current);
+    if (was_new)
+        take_back_new_point();
+    refresh_long_table(g_cfg);
     g_cfg->table.point_state[index] = previous_state;
     state = previous_state;
     set_value_style(saved_style);

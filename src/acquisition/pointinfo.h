@@ -37,10 +37,13 @@ public:
     QString caption() const;
     QString caption_style() const;
     void set_caption_style(const QString &style);
+    // The program's own text in the value field, which is no edit of it.
+    void value_written();
     bool children_visible() const;
     void set_children_visible(bool visible);
     // Value field, then button, behind the widget given; returns the button.
     QWidget *put_in_tab_order(QWidget *before);
+    QWidget *last_stop() const; // of the Tab key
 
     // The caption tells the button's action: one that contains "Capture"
     // captures, any other undoes.
@@ -64,14 +67,20 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    bool value_edited() const;
     bool sensor_range_repaired();
+    void count_new_point();
+    void take_back_new_point();
     void capture();
     void undo();
     void finish();
 
     RowWindow *main;
     int32_t index;
-    bool counted; // the last capture as a new point has grown the count
+    QString written; // value field, as the program wrote or took it last
+    // Which counts the last capture as a new point has grown.
+    bool counted_current; // long_current's
+    bool counted_range;   // that of the range in work
     std::unique_ptr<Ui::PointInfo> ui;
 };
 

@@ -65,4 +65,7 @@ void MainWindow::finish_decision(bool adjust)
     rebuild_tables(g_cfg);
     auto_scale_plot();
     reclassify_rows(this);
+    // The window stood still for the rebuild: what was pressed meanwhile was meant
+    // for the calibration before it.
+    drop_queued_input();
 }

@@ -178,6 +178,13 @@ int32_t load_channel_table(ZERL_CFG *cfg)
     return status;
 }
 
+void refresh_long_table(ZERL_CFG *cfg)
+{
+    LONG_TABLE fresh = cfg->long_current; // offered points stay behind the counted ones
+    compute_long_table(&cfg->table, &fresh);
+    relaxed_copy(cfg->long_current, fresh);
+}
+
 void take_table_into_work(ZERL_CFG *cfg)
 {
     reset_axis_range(&cfg->x_axis_range);

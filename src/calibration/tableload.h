@@ -29,6 +29,10 @@ void store_line_coefficients(POLY_RANGE_RECORD *range, const double *buffer, int
 // that a table of more than 18 points was given they serve as coefficients.
 int32_t load_coefficients(const POLY_RANGE_RECORD &range, double (&coeffs)[MAX_POINTS]);
 
+// long_current from the points of the table. For use without the table mutex: a
+// pass meanwhile reads each value whole, the former one or the new.
+void refresh_long_table(ZERL_CFG *cfg);
+
 // Starts the work on the table just computed: the copies to compare with, the
 // limits, the extents and the counts.
 void take_table_into_work(ZERL_CFG *cfg);

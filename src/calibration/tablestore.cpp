@@ -8,6 +8,7 @@
 #include <ctime>
 
 #include "frame/functions.h"
+#include "frame/relaxed.h"
 #include "host/operations.h"
 
 namespace
@@ -226,10 +227,10 @@ int32_t save_reused_calibration(ZERL_CFG *cfg, int32_t save_type)
         POLY_RANGE_RECORD &range = cfg->table.poly[0];
         const int count = point_count(cfg->long_previous);
         for (int i = 0; i < count; ++i) {
-            range.x[i] = cfg->long_previous.x[i];
-            range.y[i] = cfg->long_previous.y[i];
+            relaxed_store(range.x[i], cfg->long_previous.x[i]);
+            relaxed_store(range.y[i], cfg->long_previous.y[i]);
         }
-        range.num_points = cfg->long_previous.num_points;
+        relaxed_store(range.num_points, cfg->long_previous.num_points);
         // The extent is that of the data just captured, not of the points
         // restored.
         store_extent(cfg);

@@ -16,7 +16,6 @@
 #include "frame/functions.h"
 #include "frame/mainwindow.h"
 #include "frame/tablelock.h"
-#include "host/operations.h"
 #include "window/styles.h"
 
 namespace
@@ -116,7 +115,7 @@ Unfinished first_unfinished(MainWindow *main, ZERL_CFG *cfg)
 
 void recompute_table_view(MainWindow *main)
 {
-    compute_long_table(&g_cfg->table, &g_cfg->long_current);
+    refresh_long_table(g_cfg);
     {
         TableLock lock(main->table_mutex());
         take_table_into_work(g_cfg);

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLocale>
 
 #include "frame/mainwindow.h"
 #include "host/operations.h"
@@ -15,8 +16,10 @@ int main(int argc, char *argv[])
 {
     if (is_display_env_var_empty(QString::fromLocal8Bit(argv[0])))
         return 1;
+    // Numbers have a decimal point wherever the cell stands: in the window, in the
+    // host's texts and in files. The application takes up the user's locale.
+    QLocale::setDefault(QLocale::c());
     QApplication application(argc, argv);
-    // The host's texts and files have a decimal point wherever the cell stands.
     setlocale(LC_NUMERIC, "C");
     install_termination_handler();
     // Only the marker's existence counts; it is never opened.

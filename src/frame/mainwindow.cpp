@@ -5,7 +5,8 @@
 
 #include <cstdlib>
 
-#include <QEvent>
+#include <QApplication>
+#include <QFocusEvent>
 #include <QIntValidator>
 #include <QMutex>
 
@@ -23,14 +24,16 @@
 #include "ui_mainwindow.h"
 #include "window/messagebox.h"
 #include "window/styles.h"
+#include "window/termination.h"
 #include "window/touchfield.h"
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent), m_monitor(nullptr),
       m_table_mutex(nullptr), m_curves{}, m_symbols{}, curve_x{}, curve_y{}, poly_x{}, poly_y{},
       m_point_x(0.0), m_point_y(0.0), m_channel_reverting(false), curves_removed(false),
-      ui(std::make_unique<Ui::MainWindow>()), force_rescale(false)
+      ui(std::make_unique<Ui::MainWindow>()), force_rescale(false), m_time_left(false)
 {
+    note_window_closes(false);
     g_first_select = 1;
     m_table_mutex = new QMutex(QMutex::Recursive);
     ui->setupUi(this);
@@ -39,6 +42,7 @@ MainWindow::MainWindow(QWidget *parent)
     if (init() != 1)
         std::exit(0);
     set_up_touch_input();
+    watch_leaving();
     force_rescale = false;
     relaxed_store(g_monitor_enabled, static_cast<uint8_t>(1));
     ui->frame->setFrameShape(QFrame::NoFrame);
@@ -67,7 +71,9 @@ void set_main_window(MainWindow *window)
 // The monitor thread and its mutex are not touched: they die with the process.
 MainWindow::~MainWindow()
 {
-    hide();          // a field that loses the focus still finds the window whole
+    note_window_closes(true);
+    hide(); // a field that loses the focus still finds the window whole
+    disconnect(qApp, nullptr, this, nullptr);
     delete_curves(); // one of them is always detached, so the plot owns them not
 }
 
@@ -155,9 +161,36 @@ void MainWindow::set_up_touch_input()
         mark_touch_field(field, this);
 }
 
+// The window's own closing, and the averaging time that is left.
+void MainWindow::watch_leaving()
+{
+    installEventFilter(this);
+    ui->txtAveragingTime->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, &MainWindow::finish_leaving);
+}
+
+// Builds of Qt differ in whether a field that is left unchanged says that its
+// edit is finished. What was not said by the time the focus has gone is done here.
+void MainWindow::finish_leaving(const QWidget *left)
+{
+    if (m_time_left && left == ui->txtAveragingTime && ui->txtAveragingTime->hasAcceptableInput())
+        on_txtAveragingTime_editingFinished();
+}
+
+void MainWindow::note_leaving(const QObject *object, const QEvent *event)
+{
+    if (object == this && (event->type() == QEvent::Close || event->type() == QEvent::Show))
+        note_window_closes(event->type() == QEvent::Close);
+    // The field's own menu is no leave; nor is the box with which it is refused.
+    if (object == ui->txtAveragingTime && event->type() == QEvent::FocusOut)
+        m_time_left = static_cast<const QFocusEvent *>(event)->reason() != Qt::PopupFocusReason &&
+                      !ui->txtAveragingTime->signalsBlocked();
+}
+
 // A double tap opens the field's pad and goes on to the field as well.
 bool MainWindow::eventFilter(QObject *object, QEvent *event)
 {
+    note_leaving(object, event);
     hand_double_tap_over(object, event);
     return false;
 }

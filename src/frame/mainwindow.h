@@ -9,8 +9,6 @@
 
 #include <memory>
 
-#include <memory>
-
 #include <QDateTime>
 #include <QList>
 #include <QMainWindow>
@@ -147,6 +145,11 @@ private:
     void set_start_state();
     void keep_place_of_coefficients();
 
+    // The ways out of the window and of the averaging time.
+    void watch_leaving();
+    void note_leaving(const QObject *object, const QEvent *event);
+    void finish_leaving(const QWidget *left);
+
     // Channel selection.
     void show_no_channel();
     void no_channel_chosen();
@@ -210,6 +213,7 @@ private:
     std::unique_ptr<Ui::MainWindow> ui;
     QDateTime m_correlation_time;
     bool force_rescale;
+    bool m_time_left; // the averaging time has lost the focus; its slot has not run
     QPen m_pens[CURVE_COUNT];
 };
 

@@ -7,6 +7,10 @@
 #ifndef FRAME_RELAXED_H
 #define FRAME_RELAXED_H
 
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
 template <typename T> T relaxed_load(const T &field)
 {
     T value;
@@ -19,18 +23,36 @@ template <typename T> void relaxed_store(T &field, T value)
     __atomic_store(&field, &value, __ATOMIC_RELAXED);
 }
 
-// The same for a field that announces others: what was stored before the one is
-// seen by whoever has read the other.
-template <typename T> T acquire_load(const T &field)
+// Copies a record of which one side is shared, in words of eight bytes: each
+// field is whole, and a record that changes meanwhile is copied part old and
+// part new.
+template <typename Record> void relaxed_copy(Record &to, const Record &from)
 {
-    T value;
-    __atomic_load(&field, &value, __ATOMIC_ACQUIRE);
-    return value;
+    using Word __attribute__((may_alias)) = uint64_t;
+    static_assert(std::is_trivially_copyable<Record>::value && alignof(Record) == alignof(Word) &&
+                      sizeof(Record) % sizeof(Word) == 0,
+                  "copied as words");
+    auto *const target = reinterpret_cast<Word *>(&to);
+    const auto *const source = reinterpret_cast<const Word *>(&from);
+    for (std::size_t i = 0; i < sizeof(Record) / sizeof(Word); ++i)
+        __atomic_store_n(target + i, __atomic_load_n(source + i, __ATOMIC_RELAXED),
+                         __ATOMIC_RELAXED);
 }
 
+// Announces what was stored before: whoever then takes the field with
+// acquire_exchange sees that.
 template <typename T> void release_store(T &field, T value)
 {
     __atomic_store(&field, &value, __ATOMIC_RELEASE);
+}
+
+// Answers an announcement: takes what the field holds and leaves the value in one
+// step, so that one which comes in between is not lost.
+template <typename T> T acquire_exchange(T &field, T value)
+{
+    T former;
+    __atomic_exchange(&field, &value, &former, __ATOMIC_ACQ_REL);
+    return former;
 }
 
 #endif

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "frame/relaxed.h"
+
 ZERL_CFG *g_cfg = nullptr;
 WS_BLOCK *g_ws_block = nullptr;
 SPECS_BLOCK *g_specs = nullptr;
@@ -59,7 +61,7 @@ uint16_t table_dirty_noticed(ZERL_CFG *cfg)
 
 int range_index(const TABLE_RECORD &table)
 {
-    return std::clamp<int>(table.poly_range_index, 0, POLY_RANGES - 1);
+    return std::clamp<int>(relaxed_load(table.poly_range_index), 0, POLY_RANGES - 1);
 }
 
 int point_count(const LONG_TABLE &long_table)

@@ -144,10 +144,14 @@ void InputDevice::set_target_text(const QString &text)
         return;
     field->setText(text);
     // Losing the focus tells the owner that the edit is finished. Where the pad's
-    // window has taken the activation the field has none to lose.
-    const bool focused = field->hasFocus();
+    // window has taken the activation the field has none to lose, and some builds
+    // of Qt are silent about text that was not typed.
+    bool told = false;
+    const QPointer<QLineEdit> alive(field);
+    const auto ear = connect(field, &QLineEdit::editingFinished, this, [&told] { told = true; });
     field->clearFocus();
-    if (!focused && field->hasAcceptableInput())
+    disconnect(ear);
+    if (!told && !alive.isNull() && field->hasAcceptableInput())
         emit field->editingFinished();
 }
 

@@ -15,7 +15,7 @@ void MainWindow::read_specs_file()
                        "     Temperature\n     Barometer\n     Humidity\n\n"
                        "- Report email addresses\n     to receive 1065 Linearity Report\n\n");
     QMessageBox box(QMessageBox::Information, QStringLiteral("Unable to open ini file"),
-                    text.arg(QLatin1String(SPECS_PATH)), QMessageBox::NoButton, this);
+                    text.arg(QLatin1String(SPECS_PATH)), QMessageBox::NoButton, box_owner(this));
     box.setWindowFlags(TITLE_BAR_ONLY); // the constructor would add a close button
     box.setTextFormat(Qt::PlainText);
     box.addButton(QStringLiteral("Proceed"), QMessageBox::AcceptRole);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/messagebox.h"
 
+#include <QApplication>
 #include <QPointer>
 
 #include "frame/functions.h"
+#include "window/termination.h"
 
 namespace
 {
@@ -15,11 +17,19 @@ void set_box_parent(QWidget *window)
     box_parent = window;
 }
 
+QWidget *box_owner(QWidget *otherwise)
+{
+    auto *const open = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    return open != nullptr ? open : otherwise;
+}
+
 QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton default_button)
 {
-    QMessageBox box(icon, title, text, buttons, parent);
+    if (end_decided())
+        return default_button;
+    QMessageBox box(icon, title, text, buttons, box_owner(parent));
     box.setWindowFlags(TITLE_BAR_ONLY); // the constructor would add a close button
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(default_button);

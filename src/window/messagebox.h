@@ -13,8 +13,13 @@ constexpr Qt::WindowFlags TITLE_BAR_ONLY =
 // The window above which the boxes of the computation stand; null: none.
 void set_box_parent(QWidget *window);
 
-// Shows the box and returns the standard button that answered it. A box that the
-// program's end closes answers with the button that changes nothing.
+// Parent of a box: the dialog that is open, which a window manager could otherwise
+// raise over the box, or else the widget given.
+QWidget *box_owner(QWidget *otherwise);
+
+// Shows the box, over box_owner(parent), and returns the standard button that
+// answered it. A box that the program's end closes answers with the button that
+// changes nothing.
 QMessageBox::StandardButton ask(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                                 const QString &text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton default_button);

@@ -14,7 +14,8 @@ namespace
 {
 
 int write_end = -1;
-bool requested = false; // GUI thread only
+bool requested = false;     // GUI thread only
+bool window_closes = false; // likewise
 
 void note_termination(int)
 {
@@ -43,7 +44,12 @@ void install_termination_handler()
     signal(SIGTERM, note_termination);
 }
 
-bool termination_requested()
+void note_window_closes(bool closes)
 {
-    return requested;
+    window_closes = closes;
+}
+
+bool end_decided()
+{
+    return requested || window_closes;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// SIGTERM ends the program with status 0, also during a modal dialog.
+// The end of the program: SIGTERM ends it with status 0, also during a modal
+// dialog, and so does the main window that closes.
 #ifndef WINDOW_TERMINATION_H
 #define WINDOW_TERMINATION_H
 
@@ -8,8 +9,11 @@
 // only writes one byte; a notifier on the GUI thread ends the event loops.
 void install_termination_handler();
 
-// True once the end was asked for: every question then answers itself at once,
-// so nothing may go on asking until it is answered.
-bool termination_requested();
+// Told by the main window: it closes, or it is there to be worked with.
+void note_window_closes(bool closes);
+
+// True once the end is decided: SIGTERM came or the main window closes. From then
+// on nothing is asked, and the slot of a field that loses the focus changes nothing.
+bool end_decided();
 
 #endif

@@ -129,6 +129,7 @@ private:
     void show_no_channel();
     void show_table_fields();
     void write_rows();
+    void write_value(int row);
 
     // Rows.
     void capture(int row);

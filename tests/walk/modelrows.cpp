@@ -64,9 +64,14 @@ void Model::touch(int row, bool x, bool y)
 void Model::write_rows()
 {
     for (int i = 0; i < ROWS; ++i) {
-        view.rows[at(i)].value = row_number(session.current.y[i]);
+        write_value(i);
         view.rows[at(i)].mv = row_number(session.current.x[i]);
     }
+}
+
+void Model::write_value(int i)
+{
+    view.rows[at(i)].value = view.rows[at(i)].written = row_number(session.current.y[i]);
 }
 
 void Model::caption(Row *row, const char *text)
@@ -103,6 +108,9 @@ void Model::type_value(int row, const QString &text)
 void Model::edit_value(int row, const QString &text)
 {
     view.rows[at(row)].value = text;
+    if (text.trimmed() == view.rows[at(row)].written.trimmed())
+        return; // a visit is no edit
+    view.rows[at(row)].written = text;
     const double value = text.toDouble();
     session.table.poly[range_of(session.table)].y[row] = value;
     session.current.y[row] = value;
@@ -129,11 +137,13 @@ void Model::capture(int i)
     Row &row = view.rows[at(i)];
     POLY_RANGE_RECORD &range = session.table.poly[range_of(session.table)];
     const bool grown = row.state == NEW;
-    if (grown)
-        row.counted = session.current.num_points < TABLE_POINTS;
-    if (grown && row.counted) {
-        ++session.current.num_points;
-        ++range.num_points;
+    if (grown) {
+        row.counted_current = session.current.num_points < TABLE_POINTS;
+        row.counted_range = range.num_points < TABLE_POINTS;
+        if (row.counted_current)
+            ++session.current.num_points;
+        if (row.counted_range)
+            ++range.num_points;
     }
     const double former_mv = session.current.x[i];
     const QString former_style = row.style;
@@ -199,11 +209,12 @@ void Model::undo(int i)
     session.current.x[i] = range.x[i] = row.previous_mv;
     touch(i, true, false);
     const bool was_new = row.previous_state == NEW;
-    if (was_new && row.counted) { // what was not counted is not taken back
+    // What was not counted is not taken back.
+    if (was_new && row.counted_current)
         session.current.num_points =
             static_cast<int16_t>(std::max(0, session.current.num_points - 1));
+    if (was_new && row.counted_range)
         range.num_points = static_cast<int16_t>(std::max(0, range.num_points - 1));
-    }
     compute_long_table(&session.table, &session.current);
     session.table.point_state[i] = row.state = row.previous_state;
     row.style = row.saved_style;
@@ -290,7 +301,7 @@ void Model::enter_count(const QString &text)
         view.rows[at(i)].caption_style = WHITE;
         view.rows[at(old)].shown = true;
         view.rows[at(old)].status = 0;
-        view.rows[at(i)].value = row_number(current.y[i]);
+        write_value(i);
         view.rows[at(i)].mv = row_number(current.x[i]);
         session.redraw_all = 1;
     }

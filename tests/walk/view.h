@@ -32,7 +32,11 @@ struct Row {
     int previous_status = 0;
     int state = 0;
     int previous_state = 0;
-    bool counted = false; // by the last capture as a new point; not compared
+    // Not compared: the counts that the last capture as a new point has grown, and
+    // the value as the program wrote or took it last.
+    bool counted_current = false;
+    bool counted_range = false;
+    QString written;
     bool shown = false;
 };
 

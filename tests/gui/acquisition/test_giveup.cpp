@@ -51,6 +51,7 @@ private slots:
     void cleanupTestCase();
     void refused_dialog_gives_the_channel_up();
     void fresh_rows_are_appended_and_never_used();
+    void fresh_rows_are_tabbed_through_behind_the_old_ones();
     void curves_are_gone_and_queued_ticks_do_nothing();
     void given_up_channel_is_still_sampled();
     void next_choice_rebuilds_the_curves();
@@ -156,6 +157,24 @@ void GiveUp::fresh_rows_are_appended_and_never_used()
     // Hiding covers the first 64 of the list alone.
     QVERIFY(m_it->window->row(64)->children_visible());
     QVERIFY(m_it->window->row(127)->children_visible());
+}
+
+// As they stand in the column, and the buttons of the process behind them all.
+void GiveUp::fresh_rows_are_tabbed_through_behind_the_old_ones()
+{
+    QVector<const QWidget *> expected;
+    for (int i = 0; i < 2 * MAX_POINTS; ++i)
+        expected << m_it->window->row(i)->value_field() << m_it->button(i);
+    expected << m_it->form->btnRecordData;
+    QVector<const QWidget *> met;
+    const QWidget *stop = m_it->form->scrollArea;
+    while (met.size() < expected.size()) {
+        stop = stop->nextInFocusChain();
+        QVERIFY(stop != m_it->form->scrollArea);
+        if (expected.contains(stop))
+            met << stop;
+    }
+    QCOMPARE(met, expected);
 }
 
 void GiveUp::curves_are_gone_and_queued_ticks_do_nothing()

@@ -29,6 +29,7 @@ private slots:
     void degree_of_a_point_table_sets_no_coefficients();
     void range_with_fewer_points_moves_the_degree();
     void range_with_more_points_moves_no_degree();
+    void range_without_points_keeps_the_next_fit_from_running();
     void degrees_on_offer_data();
     void degrees_on_offer();
     void polynomial_without_points_offers_what_is_stored();
@@ -236,6 +237,16 @@ void TypeCombos::range_with_more_points_moves_no_degree()
              QStringLiteral("POLY_RANGE on | 1-3: 3 on | range 5 on | third on | 4 coefficients"));
     QCOMPARE(m_watch->record(), QStringLiteral("type 7 range 5 | 4 points 4 rows | field 4 | "
                                                "fit 3 | changed 0 dirty 0 redraw 0"));
+}
+
+// There is nothing to fit, so the change of range is still to be drawn: the next
+// fit takes what is stored.
+void TypeCombos::range_without_points_keeps_the_next_fit_from_running()
+{
+    bind_ranges_at(5);
+    m_it->form->cboPolyRangeIndex->setCurrentIndex(1);
+    QCOMPARE(g_cfg->table.poly[1].num_points, int16_t(0));
+    QCOMPARE(g_cal_type_changed, int16_t(1));
 }
 
 void TypeCombos::degrees_on_offer_data()

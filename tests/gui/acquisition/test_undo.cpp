@@ -15,6 +15,7 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void init();
+    void undo_of_a_point_that_another_process_captured();
     void statistics_are_copied_without_the_mutex();
     void undo_leaves_the_rows_own_status();
     void undo_of_a_full_table_keeps_its_points();
@@ -49,6 +50,28 @@ void Undo::answer_undo(BoxAnswerer *answerer, const char *button)
     answerer->expect_dialog(QStringLiteral("Undo Action"), [button](QDialog *dialog) {
         dialog->findChild<QPushButton *>(QLatin1String(button))->click();
     });
+}
+
+// The file says that it was captured, so the same count entered again offers to
+// take it back; what it was before is not known here, and nothing was counted.
+void Undo::undo_of_a_point_that_another_process_captured()
+{
+    m_it->bind_afresh(9);
+    QCOMPARE(row(2)->caption(), QStringLiteral("Capture"));
+    QCOMPARE(g_cfg->table.point_state[2], int32_t(POINT_CAPTURED));
+    QCOMPARE(g_cfg->long_current.x[2], 20.0);
+    QTest::keyClick(m_it->form->txtNumPoints, Qt::Key_Return);
+    QCOMPARE(row(2)->caption(), QStringLiteral("Undo"));
+    QCOMPARE(g_captured_points, 0);
+    BoxAnswerer answerer;
+    answer_undo(&answerer, "btnRevert");
+    m_it->button(2)->click();
+    QCOMPARE(g_cfg->long_current.x[2], 0.0);
+    QCOMPARE(g_cfg->table.poly[0].x[2], 0.0);
+    QCOMPARE(g_cfg->long_current.y[2], 200.0);
+    QCOMPARE(row(2)->mv_label()->text(), QStringLiteral("  0.0000"));
+    QCOMPARE(row(2)->caption(), QStringLiteral("Capture"));
+    QCOMPARE(g_captured_points, -1);
 }
 
 // Another thread holds it, as a pass would, while the click works itself off.

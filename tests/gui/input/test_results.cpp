@@ -15,6 +15,18 @@
 
 using namespace touchscreen;
 
+namespace
+{
+
+// Loses the focus without a word.
+class SilentField : public QLineEdit
+{
+protected:
+    void focusOutEvent(QFocusEvent *event) override { QWidget::focusOutEvent(event); }
+};
+
+} // namespace
+
 class Results : public QObject
 {
     Q_OBJECT
@@ -22,6 +34,7 @@ class Results : public QObject
 private slots:
     void init();
     void ok_sets_the_text_and_takes_the_focus();
+    void field_that_is_silent_about_its_text_is_finished_too();
     void field_without_the_focus_is_finished_too();
     void escape_keeps_text_and_focus();
     void text_that_the_field_refuses_is_not_finished();
@@ -69,6 +82,22 @@ void Results::ok_sets_the_text_and_takes_the_focus()
     QCOMPARE(changed.size(), 1);
     QCOMPARE(finished.size(), 1);
     QCOMPARE(m_device->target.data(), nest.field);
+}
+
+// As in builds of Qt that are silent about a text that nobody typed.
+void Results::field_that_is_silent_about_its_text_is_finished_too()
+{
+    SilentField field;
+    field.show();
+    field.activateWindow();
+    field.setFocus();
+    QTRY_VERIFY(field.hasFocus());
+    QSignalSpy finished(&field, &QLineEdit::editingFinished);
+    m_device->target = &field;
+    m_device->set_target_text(QStringLiteral("P 7"));
+    QCOMPARE(field.text(), QStringLiteral("P 7"));
+    QVERIFY(!field.hasFocus());
+    QCOMPARE(finished.size(), 1);
 }
 
 // The number pad takes the activation, so the field has no focus to lose.

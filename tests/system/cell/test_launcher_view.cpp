@@ -6,11 +6,17 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLocalServer>
 #include <QProcess>
 #include <QTemporaryDir>
 
 #include "launcher.h"
 #include "support/testmain.h"
+
+namespace
+{
+const QString BUS = "DBUS_SESSION_BUS_ADDRESS";
+} // namespace
 
 class LauncherView : public QObject
 {
@@ -28,6 +34,8 @@ private slots:
     void writable_folder();
     void runs_do_not_meet();
     void environment_goes_through();
+    void session_bus_data();
+    void session_bus();
     void arguments_go_through();
     void input_goes_through();
     void launcher_within_a_view();
@@ -154,6 +162,56 @@ void LauncherView::environment_goes_through()
         m_launcher.shell({"--no-cell"}, "echo \"$ASAN_OPTIONS $ZERL_PRIVATE_CELL ${TMPDIR-none}\"");
     m_launcher.environment.remove("ASAN_OPTIONS");
     QCOMPARE(done.output, QString("detect_leaks=1 1 none\n"));
+}
+
+void LauncherView::session_bus_data()
+{
+    QTest::addColumn<QString>("named");
+    QTest::addColumn<bool>("goes_through");
+    // SOCKET and PLAIN: a socket and a file under /tmp. A null text: not named.
+    QTest::newRow("none is named") << QString() << false;
+    QTest::newRow("empty") << "" << false;
+    QTest::newRow("to be started when needed") << "autolaunch:" << false;
+    QTest::newRow("off already") << "disabled:" << false;
+    QTest::newRow("a socket under /tmp") << "unix:path=SOCKET" << true;
+    QTest::newRow("with an identity") << "unix:path=SOCKET,guid=0123456789abcdef" << true;
+    QTest::newRow("behind an identity") << "unix:guid=0123456789abcdef,path=SOCKET" << true;
+    QTest::newRow("the first of two") << "unix:path=SOCKET;unix:path=/none" << true;
+    QTest::newRow("gone") << "unix:path=/tmp/none" << false;
+    QTest::newRow("no socket") << "unix:path=PLAIN" << false;
+    QTest::newRow("of the network") << "unix:abstract=/tmp/dbus-1" << true;
+    QTest::newRow("of another machine") << "tcp:host=localhost,port=1" << true;
+}
+
+// A program whose bus is not told starts one, and waits for it in vain.
+void LauncherView::session_bus()
+{
+    QFETCH(QString, named);
+    QFETCH(bool, goes_through);
+    const QTemporaryDir folder("/tmp/a bus' folder XXXXXX");
+    const QString path = folder.filePath("bus");
+    QLocalServer bus;
+    QVERIFY(bus.listen(path));
+    QFile plain(folder.filePath("plain"));
+    QVERIFY(plain.open(QIODevice::WriteOnly));
+    const auto escaped = [](QString text) { return text.replace(' ', "%20").replace('\'', "%27"); };
+    if (named.isNull())
+        m_launcher.environment.remove(BUS);
+    else
+        m_launcher.environment.insert(
+            BUS,
+            named.replace("SOCKET", escaped(path)).replace("PLAIN", escaped(plain.fileName())));
+    const QString script = "echo \"$" + BUS + "\"; test -S \"" + path + "\" && echo there";
+    const bool seen = named.contains(escaped(path));
+    const LauncherRun done = m_launcher.shell({"--no-cell"}, script);
+    const LauncherRun within =
+        m_launcher.run({"--no-cell", "--", LAUNCHER, "--no-cell", "--", "sh", "-c", script});
+    m_launcher.environment.remove(BUS);
+    const QString expected =
+        (goes_through ? named : QString("disabled:")) + (seen ? "\nthere\n" : "\n");
+    QCOMPARE(done.error, QString());
+    QCOMPARE(done.output, expected);
+    QCOMPARE(within.output, expected);
 }
 
 void LauncherView::arguments_go_through()

@@ -25,6 +25,7 @@ private slots:
     void tests_pass_their_status_on();
     void tests_take_turns_without_name_spaces();
     void sanitized_tests();
+    void test_of_the_threads();
     void soak_walks_as_long_as_it_is_told_data();
     void soak_walks_as_long_as_it_is_told();
     void failing_walk_fails();
@@ -47,8 +48,9 @@ void Zerl::help_lists_command_data()
 {
     QTest::addColumn<QString>("command");
     for (const char *name :
-         {"run [--cell FOLDER] [--touch]", "test [--sanitize]", "soak [LENGTH] [SEED]", "tour ",
-          "build ", "bench ", "lint ", "clean ", "help "})
+         {"run [--cell FOLDER] [--touch] [--without-namespaces]",
+          "test [--sanitize | --threads | --without-namespaces]", "soak [LENGTH] [SEED]",
+          "tour [--without-namespaces]", "build ", "bench ", "lint ", "clean ", "help "})
         QTest::newRow(name) << QString(name);
 }
 
@@ -84,6 +86,16 @@ void Zerl::misuse_data()
         << QStringList{"soak", "500", "7", "8"} << "one command at a time: soak or 8";
     QTest::newRow("sanitizers with run")
         << QStringList{"run", "--sanitize"} << "--sanitize goes with test";
+    QTest::newRow("thread sanitizer with tour")
+        << QStringList{"tour", "--threads"} << "--threads goes with test";
+    QTest::newRow("two sanitizers")
+        << QStringList{"test", "--sanitize", "--threads"} << "--sanitize and --threads take turns";
+    QTest::newRow("benchmarks without name spaces")
+        << QStringList{"bench", "--without-namespaces"}
+        << "--without-namespaces goes with run, test and tour";
+    QTest::newRow("sanitizers without name spaces")
+        << QStringList{"test", "--sanitize", "--without-namespaces"}
+        << "--sanitize and --without-namespaces exclude each other";
 }
 
 void Zerl::misuse()
@@ -249,6 +261,21 @@ void Zerl::sanitized_tests()
     QCOMPARE(machine.calls("cmake --preset sanitize").size(), 1);
     QCOMPARE(machine.calls("cmake --build --preset sanitize").size(), 1);
     QCOMPARE(machine.calls("ctest --preset sanitize").size(), 1);
+}
+
+// With the addresses that the sanitizer needs, where the machine gives them.
+void Zerl::test_of_the_threads()
+{
+    Machine machine;
+    machine.command("setarch", "shift; \"$@\"");
+    QCOMPARE(machine.zerl({"test", "--threads"}).status, 0);
+    QCOMPARE(machine.calls("cmake --preset tsan").size(), 1);
+    QCOMPARE(machine.calls("cmake --build --preset tsan").size(), 1);
+    QCOMPARE(machine.calls("setarch -R ctest --preset tsan").size(), 1);
+    machine.command("setarch", "exit 1");
+    QCOMPARE(machine.zerl({"test", "--threads"}).status, 0);
+    QCOMPARE(machine.calls("setarch -R ctest").size(), 1);
+    QCOMPARE(machine.calls("ctest --preset tsan").size(), 2);
 }
 
 void Zerl::moved_tree_is_built_afresh()
@@ -485,10 +512,12 @@ void Zerl::clean_keeps_sources()
     Machine machine;
     machine.write("build/a", "");
     machine.write("build-sanitize/a", "");
+    machine.write("build-tsan/a", "");
     machine.write("build-mine/a", "");
     QCOMPARE(machine.zerl({"clean"}).status, 0);
     QVERIFY(!machine.exists("build"));
     QVERIFY(!machine.exists("build-sanitize"));
+    QVERIFY(!machine.exists("build-tsan"));
     QVERIFY(machine.exists("build-mine/a"));
     QVERIFY(machine.exists("zerl"));
 }

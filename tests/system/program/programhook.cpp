@@ -8,6 +8,7 @@
 //   ["pick", CHANNEL]         a channel of the list, or "" for its first line
 //   ["get", OBJECT, PROPERTY] answers with the property's text
 //   ["title"]                 answers with the title over the plot
+//   ["axis", "x" or "y"]      answers with the labels of that axis of the plot
 //   ["type", OBJECT, TEXT]    into a field of the window or the modal dialog
 //   ["click", OBJECT], ["trigger", ACTION], ["close"]
 //   ["symbol", NAME]          whether a loaded program offers it
@@ -37,6 +38,8 @@
 #include <QTimer>
 
 #include <qwt_plot.h>
+#include <qwt_scale_div.h>
+#include <qwt_scale_draw.h>
 
 namespace
 {
@@ -54,11 +57,13 @@ void tell(const QJsonObject &what)
         std::abort(); // nobody listens any more
 }
 
-QMainWindow *main_window()
+// The cell's panel is a plain widget.
+QWidget *main_window()
 {
     for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (auto *window = qobject_cast<QMainWindow *>(widget))
-            return window;
+        if (qobject_cast<QMainWindow *>(widget) != nullptr ||
+            widget->objectName() == QLatin1String("CellPanel"))
+            return widget;
     }
     return nullptr;
 }
@@ -73,6 +78,17 @@ QString plot_title()
 {
     const auto *plot = main_window()->findChild<QwtPlot *>(QStringLiteral("dataPlot"));
     return plot->title().text() + QString("");
+}
+
+// As they are drawn, between blanks.
+QString axis_labels(const QString &name)
+{
+    const auto *plot = main_window()->findChild<QwtPlot *>(QStringLiteral("dataPlot"));
+    const int axis = name == QLatin1String("x") ? QwtPlot::xBottom : QwtPlot::yLeft;
+    QStringList labels;
+    for (const double tick : plot->axisScaleDiv(axis).ticks(QwtScaleDiv::MajorTick))
+        labels.append(plot->axisScaleDraw(axis)->label(tick).text());
+    return labels.join(QLatin1Char(' '));
 }
 
 class Hook : public QObject
@@ -102,7 +118,7 @@ private:
 
 void Hook::look()
 {
-    const QMainWindow *window = main_window();
+    const QWidget *window = main_window();
     if (window != nullptr && window->isVisible() && !m_window_told) {
         m_window_told = true;
         tell({{"event", "window"}, {"title", window->windowTitle()}});
@@ -145,8 +161,7 @@ void Hook::read_commands()
 
 QObject *Hook::object_named(const QString &name)
 {
-    for (QWidget *top :
-         {QApplication::activeModalWidget(), static_cast<QWidget *>(main_window())}) {
+    for (QWidget *top : {QApplication::activeModalWidget(), main_window()}) {
         QObject *found = top != nullptr ? top->findChild<QObject *>(name) : nullptr;
         if (found != nullptr)
             return found;
@@ -205,6 +220,8 @@ QString Hook::obey(const QStringList &words)
     }
     if (what == QLatin1String("title"))
         return plot_title();
+    if (what == QLatin1String("axis"))
+        return axis_labels(words.value(1));
     QObject *const object = object_named(
         what == QLatin1String("pick") ? QStringLiteral("cboCurrentChannel") : words.value(1));
     if (object == nullptr)

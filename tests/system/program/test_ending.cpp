@@ -7,8 +7,8 @@
 
 #include "support/cellfiles.h"
 #include "support/testcell.h"
-#include "system/program/testprogram.h"
 #include "support/testmain.h"
+#include "system/program/testprogram.h"
 
 namespace
 {
@@ -33,6 +33,10 @@ private slots:
     void sigterm_while_idle();
     void sigterm_while_the_monitor_runs();
     void sigterm_with_the_focus_in_a_row();
+    void sigterm_with_a_refused_time_in_the_field_data();
+    void sigterm_with_a_refused_time_in_the_field();
+    void sigterm_while_a_refused_time_is_told();
+    void sigterm_while_a_refused_count_is_told();
     void sigterm_during_a_message_box();
     void sigterm_during_a_question_changes_nothing();
     void sigterm_during_a_dialog();
@@ -42,6 +46,8 @@ private slots:
     void window_closed_while_idle();
     void window_closed_while_the_monitor_runs();
     void window_closed_with_points_not_recorded_asks_nothing();
+    void closed_with_a_refused_time_in_the_field_data();
+    void closed_with_a_refused_time_in_the_field();
     void exit_action();
     void exit_action_asks_first();
     void host_dies_while_the_program_runs();
@@ -49,6 +55,8 @@ private slots:
 
 private:
     bool sampling(TestProgram *program);
+    // The field has the focus and holds the text, which nobody has judged yet.
+    bool time_typed(TestProgram *program, const QString &text);
 
     std::unique_ptr<TestCell> m_cell;
 };
@@ -113,6 +121,58 @@ void ProgramEnding::sigterm_with_the_focus_in_a_row()
         60000));
     program.terminate();
     QCOMPARE(program.wait_for_end(), 0);
+}
+
+bool ProgramEnding::time_typed(TestProgram *program, const QString &text)
+{
+    const QString field = QStringLiteral("txtAveragingTime");
+    return program->send({"focus", field}) &&
+           QTest::qWaitFor([&] { return program->get(field, "focus") == QLatin1String("true"); },
+                           60000) &&
+           program->send({"type", field, text}) && program->get(field) == text;
+}
+
+void ProgramEnding::sigterm_with_a_refused_time_in_the_field_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("99") << "99";
+    QTest::newRow("empty") << "";
+}
+
+// Nobody is left to press the OK of a box.
+void ProgramEnding::sigterm_with_a_refused_time_in_the_field()
+{
+    QFETCH(QString, text);
+    TestProgram program;
+    QVERIFY(sampling(&program));
+    QVERIFY(time_typed(&program, text));
+    program.terminate();
+    QCOMPARE(program.wait_for_end(30000), 0);
+    QVERIFY(!program.box_seen());
+}
+
+void ProgramEnding::sigterm_while_a_refused_time_is_told()
+{
+    TestProgram program;
+    QVERIFY(sampling(&program));
+    QVERIFY(time_typed(&program, QStringLiteral("99")));
+    QVERIFY(program.send({"focus", "txtTechnicianName"}));
+    QVERIFY(program.next_box().startsWith(QLatin1String("Wrong Value Entered|")));
+    program.terminate();
+    QCOMPARE(program.wait_for_end(30000), 0);
+}
+
+// On a touch screen cell the field that is emptied would be refused once more.
+void ProgramEnding::sigterm_while_a_refused_count_is_told()
+{
+    write_file(QStringLiteral("/cell/vornax_ts.ini"), QByteArray());
+    TestProgram program;
+    QVERIFY(sampling(&program));
+    QVERIFY(program.send({"type", "txtNumPoints", "65"}));
+    QVERIFY(program.next_box().startsWith(QLatin1String("Invalid Calibration Points|")));
+    program.terminate();
+    QCOMPARE(program.wait_for_end(30000), 0);
+    QVERIFY(!program.box_seen());
 }
 
 void ProgramEnding::sigterm_during_a_message_box()
@@ -214,6 +274,28 @@ void ProgramEnding::window_closed_with_points_not_recorded_asks_nothing()
     QVERIFY(program.send({"close"}));
     QCOMPARE(program.wait_for_end(), 0);
     QVERIFY(!QFile::exists(QStringLiteral("/cell/tables/zero.save")));
+}
+
+void ProgramEnding::closed_with_a_refused_time_in_the_field_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<QString>("text");
+    for (const char *text : {"99", ""}) {
+        QTest::addRow("close button, \"%s\"", text) << QStringList{"close"} << text;
+        QTest::addRow("Exit, \"%s\"", text) << QStringList{"trigger", "actionExit"} << text;
+    }
+}
+
+void ProgramEnding::closed_with_a_refused_time_in_the_field()
+{
+    QFETCH(QStringList, command);
+    QFETCH(QString, text);
+    TestProgram program;
+    QVERIFY(sampling(&program));
+    QVERIFY(time_typed(&program, text));
+    QVERIFY(program.send(command));
+    QCOMPARE(program.wait_for_end(30000), 0);
+    QVERIFY(!program.box_seen());
 }
 
 void ProgramEnding::exit_action()

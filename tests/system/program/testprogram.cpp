@@ -30,7 +30,7 @@ bool TestProgram::start(const QStringList &arguments)
                                  QStringLiteral(":verify_asan_link_order=0"));
     }
     m_process.setProcessEnvironment(m_environment);
-    m_process.start(QStringLiteral(PROGRAM_PATH), arguments);
+    m_process.start(m_program, arguments);
     return m_process.waitForStarted(DEADLINE_MS);
 }
 
@@ -116,8 +116,9 @@ int TestProgram::wait_for_end(int deadline_ms)
     if (m_process.state() != QProcess::NotRunning)
         return -1;
     while (next_event(&event)) {
-        if (event.value(QLatin1String("event")) == QLatin1String("window"))
-            m_window_seen = true;
+        const QString kind = event.value(QLatin1String("event")).toString();
+        m_window_seen = m_window_seen || kind == QLatin1String("window");
+        m_box_seen = m_box_seen || kind == QLatin1String("box");
     }
     if (m_process.exitStatus() != QProcess::NormalExit)
         return -1;

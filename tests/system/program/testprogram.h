@@ -27,6 +27,8 @@ public:
     // Starts the program itself, without eyes and hands in it.
     void without_hook() { m_hooked = false; }
 
+    // Another program with the hook in it.
+    void run_instead(const QString &program) { m_program = program; }
     bool start(const QStringList &arguments = {});
     // Waits for the main window; a box that comes instead fails.
     bool wait_for_window();
@@ -48,6 +50,8 @@ public:
     qint64 pid() const { return m_process.processId(); }
 
     bool window_seen() const { return m_window_seen; }
+    // Whether a box came up that next_box has not taken, asked at the end.
+    bool box_seen() const { return m_box_seen || !m_waiting.isEmpty(); }
     // What it wrote beside the hook's lines, among it the calls that the hook
     // tells of.
     QByteArray said() const { return m_said; }
@@ -56,10 +60,12 @@ public:
 private:
     bool next_event(QJsonObject *event);
 
+    QString m_program = QStringLiteral(PROGRAM_PATH);
     QProcess m_process;
     QProcessEnvironment m_environment;
     bool m_hooked = true;
     bool m_window_seen = false;
+    bool m_box_seen = false; // while waiting for the end
     QByteArray m_said;
     QByteArray m_complaints;
     QList<QJsonObject> m_waiting;

@@ -14,8 +14,8 @@
 #include "host/operations.h"
 #include "support/cellfiles.h"
 #include "support/recorder.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {
@@ -60,6 +60,8 @@ private slots:
     void no_shell_for_the_history();
     void inactive_channel_writes_nothing_data();
     void inactive_channel_writes_nothing();
+    void names_like_that_of_no_table_data();
+    void names_like_that_of_no_table();
     void name_that_a_shell_would_interpret();
     void history_command_text_data();
     void history_command_text();
@@ -319,6 +321,24 @@ void TableSave::inactive_channel_writes_nothing()
     QCOMPARE(information_texts(), QStringList());
     QCOMPARE(m_cfg->table_dirty, uint16_t{0});
     QCOMPARE(m_cfg->unsaved_flag, uint16_t{0});
+}
+
+// The whole name counts, as it is written.
+void TableSave::names_like_that_of_no_table_data()
+{
+    QTest::addColumn<int>("save_type");
+    for (const char *name : {"INACTIVE2", "INACTIVE ", "INACTIV", "inactive", "2INACTIVE"})
+        QTest::newRow(name) << int{SAVE_ADJUSTED};
+}
+
+void TableSave::names_like_that_of_no_table()
+{
+    QFETCH(int, save_type);
+    const char *const name = QTest::currentDataTag();
+    use_table(name);
+    save_calibration(m_cfg.get(), save_type);
+    QCOMPARE(archive().size(), std::size_t{1});
+    QVERIFY(QFile::exists(QStringLiteral("/cell/tables/") + name + QStringLiteral(".tbl")));
 }
 
 void TableSave::name_that_a_shell_would_interpret()
