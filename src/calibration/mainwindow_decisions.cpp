@@ -9,6 +9,7 @@
 #include "calibration/zerl_util.h"
 #include "frame/functions.h"
 #include "ui_mainwindow.h"
+#include "window/queuedinput.h"
 #include "window/styles.h"
 
 namespace
