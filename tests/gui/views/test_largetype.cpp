@@ -92,6 +92,7 @@ private slots:
     void point_statistics_are_whole();
     void point_statistics_on_a_wide_screen();
     void regression_is_whole();
+    void columns_need_no_more_than_their_texts();
     void view_is_not_widened_past_the_screen();
 
 private:
@@ -186,6 +187,30 @@ void LargeType::regression_is_whole()
     QVERIFY(QTest::qWaitForWindowExposed(&view));
     QCOMPARE(cut_cells(part<QTableWidget>(&view, "tblCalInfo")), QStringList());
     QCOMPARE(cut_parts(view), QStringList());
+}
+
+// So that neither view is widened for nothing, or keeps a scroll bar once it is.
+void LargeType::columns_need_no_more_than_their_texts()
+{
+    for (const bool filled : {false, true}) {
+        QTableWidget table(filled ? 1 : 0, 3);
+        table.verticalHeader()->hide();
+        table.horizontalHeader()->setStretchLastSection(true);
+        table.setHorizontalHeaderLabels({"A", "B", "Heading"});
+        for (int column = 0; filled && column < 3; ++column)
+            table.setItem(0, column, new QTableWidgetItem("1234567890123"));
+        table.resize(5000, 300);
+        table.resizeColumnsToContents();
+        keep_room_for(&table, QString());
+        QCOMPARE(cut_cells(&table), QStringList());
+        const int width = width_of_columns(&table);
+        QVERIFY2(width < 900, qPrintable(QString::number(width)));
+        table.resize(width, 300);
+        table.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&table));
+        QVERIFY(!table.horizontalScrollBar()->isVisible());
+        QCOMPARE(cut_cells(&table), QStringList());
+    }
 }
 
 void LargeType::view_is_not_widened_past_the_screen()
