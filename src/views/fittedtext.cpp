@@ -2,6 +2,7 @@
 #include "views/fittedtext.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <QFontInfo>
 #include <QFontMetricsF>
@@ -27,9 +28,11 @@ FittedText fitted_text(const QFont &font, const QString &text, qreal width, qrea
     const qreal least = std::max(smallest, LEAST);
     const qreal full = QFontInfo(font).pointSizeF();
     // Widths go with the size but for rounding, which the steps make up for.
-    qreal points = std::max(full * width / QFontMetricsF(font).horizontalAdvance(text), LEAST);
-    for (points = std::min(points + STEP, full); points >= least; points -= STEP) {
-        fitted.font.setPointSizeF(points);
+    const qreal share = width / QFontMetricsF(font).horizontalAdvance(text);
+    const qreal start = std::min(std::max(full * share, LEAST) + STEP, full);
+    const int steps = static_cast<int>(std::floor((start - least) / STEP));
+    for (int i = 0; i <= steps; ++i) {
+        fitted.font.setPointSizeF(start - i * STEP);
         if (fits(fitted.font, text, width))
             return fitted;
     }
