@@ -7,6 +7,7 @@
 
 #include "host/operations.h"
 #include "records/keywordlines.h"
+#include "records/wholefile.h"
 
 namespace
 {
@@ -86,7 +87,7 @@ QByteArray working_standard_text(const WorkingStandard &standard)
 void write_working_standard(const WorkingStandard &standard)
 {
     const QByteArray path = working_standard_path(standard.name);
-    if (!write_keyword_file(path, working_standard_text(standard)))
+    if (!replace_file(path, working_standard_text(standard)))
         log_error(__FILE__, __LINE__, 1, errno, "Unable to write <%s>: %s", path.constData(),
                   std::strerror(errno));
 }

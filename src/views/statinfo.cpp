@@ -15,6 +15,12 @@ StatInfo::~StatInfo()
     delete ui;
 }
 
+void StatInfo::set_cell_widths(int number, int value)
+{
+    for (BoxedLabel *label : findChildren<BoxedLabel *>())
+        label->setFixedWidth(label == ui->lblIndexNum ? number : value);
+}
+
 void StatInfo::setCurrentCalibration(double value)
 {
     ui->lblCurrentCalibration->setText(difference_text(value));
