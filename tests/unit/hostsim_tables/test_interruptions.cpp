@@ -71,9 +71,8 @@ int open(const char *path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return interrupted(&was)
-               ? -1
-               : static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    return interrupted(&was) ? -1
+                             : static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 
 int fsync(int fd)
