@@ -94,7 +94,8 @@ bool publish_cal_tables(const CalTables &tables)
     const std::size_t size =
         sizeof(CalTablesHeader) + tables.entries.size() * sizeof(CalTableEntry);
     CalTables copy = tables;
-    return hostsim::publish_memory(MEMORY_CAL_TABLES, size, fill, &copy) != nullptr;
+    // They belong to the cell: this process ends, and they stay.
+    return hostsim::publish_memory(MEMORY_CAL_TABLES, size, fill, &copy, MEMORY_AI_REAL) != nullptr;
 }
 
 } // namespace caltables

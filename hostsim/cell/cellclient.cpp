@@ -93,7 +93,9 @@ bool CellClient::connect()
     const timeval limit = {ANSWER_MS / 1000, 0};
     if (m_socket < 0 || setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit) != 0 ||
         ::connect(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
-        return lost(errno == EAGAIN ? NO_ANSWER : std::strerror(errno));
+        return lost(errno == EAGAIN         ? NO_ANSWER
+                    : errno == ECONNREFUSED ? "the cell does not run any more"
+                                            : std::strerror(errno));
     return true;
 }
 

@@ -96,6 +96,10 @@ void *publish_one(std::int32_t id, std::size_t size, void (*fill)(void *, void *
 
 bool CellMemories::publish(const CellDescription &description, std::string *error)
 {
+    // What a dead cell left goes first, so that no task meets both.
+    m_published = true;
+    withdraw();
+    hostsim::remove_unfinished_memories();
     m_published = true;
     m_channel_count = description.channel_count;
     if (!publish_units(description, error))

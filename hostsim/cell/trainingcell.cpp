@@ -28,6 +28,7 @@
 #include "hostsim/cell/cellserver.h"
 #include "hostsim/cell/descriptionline.h"
 #include "hostsim/cell/livecell.h"
+#include "hostsim/runtime/memoryheader.h"
 
 namespace
 {
@@ -183,6 +184,7 @@ void run(cell::LiveCell *live, cell::CellServer *server, int signals, int ticks)
             const auto now = Clock::now();
             live->tick(std::chrono::duration<double>(now - last).count());
             last = now;
+            hostsim::watch_host();
         }
         server->serve(descriptors, obey);
     }

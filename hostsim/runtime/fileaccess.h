@@ -5,6 +5,7 @@
 #ifndef HOSTSIM_RUNTIME_FILEACCESS_H
 #define HOSTSIM_RUNTIME_FILEACCESS_H
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -31,6 +32,15 @@ private:
     int m_fd;
 };
 
+// The result of the call, made again for as long as a signal interrupts it.
+template <typename Call> auto retry_interrupted(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
 // Opens without ever waiting, with the close-on-exec flag; invalid, with errno,
 // for what is not a regular file.
 Descriptor open_regular(const char *path, int flags, unsigned mode = 0);
@@ -45,15 +55,22 @@ bool read_at(int fd, std::uint64_t offset, std::size_t size, std::string *data);
 // False with errno unless all of it was written.
 bool write_all(int fd, std::string_view data);
 
-// Takes a lock on the file (flock's operation); false with errno when another
-// process keeps it for longer than that.
-bool lock_within(int fd, int operation, int milliseconds);
+// Takes a lock on the file (flock's operation); false with errno, EWOULDBLOCK
+// when someone else keeps it. The window waits meanwhile: for less than a second.
+bool lock_within(int fd, int operation);
+
+// What to say of a lock that was not had, by errno; of: "archive" or "folder".
+std::string lock_fault(const char *of);
 
 // Folder of the path, "." when it names none.
 std::string folder_of(const std::string &path);
 
-// Makes the names in the folder safe on disc; false with errno.
+// Makes a file's contents, or a folder's names, safe on disc; false with errno.
+bool sync_file(int fd);
 bool sync_folder(const std::string &folder);
+
+// Open for a lock and for sync_file; invalid with errno.
+Descriptor open_folder(const std::string &folder);
 
 // Text of errno.
 std::string error_text();

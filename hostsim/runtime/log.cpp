@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "host/operations.h"
+#include "hostsim/runtime/fileaccess.h"
 #include "hostsim/runtime/utf8.h"
 
 namespace hostsim
@@ -101,13 +102,12 @@ std::size_t time_text(char *out, std::size_t size)
 // One write for an entry: entries of several processes never mix.
 void write_entry(const char *entry, std::size_t size)
 {
-    const int file = open(LOG_FILE, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0664);
-    ssize_t written = -1;
-    if (file >= 0) {
-        written = write(file, entry, size);
-        close(file);
-    }
-    if (written < 0 && write(STDERR_FILENO, entry, size) < 0)
+    const Descriptor file(retry_interrupted(
+        [] { return open(LOG_FILE, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0664); }));
+    const auto write_to = [=](int fd) {
+        return retry_interrupted([=] { return write(fd, entry, size); });
+    };
+    if ((!file.valid() || write_to(file.get()) < 0) && write_to(STDERR_FILENO) < 0)
         return; // nowhere left to say it
 }
 

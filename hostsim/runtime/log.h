@@ -25,13 +25,14 @@ constexpr std::size_t LOG_ENTRY_BYTES = 4096;
 
 // Codes of the runtime's own entries.
 enum LogCode {
-    LOG_TEXT_CUT = 901,          // copyn had to cut a text
-    LOG_LINE_CUT = 902,          // a line was longer than a line buffer
-    LOG_TASK_REFUSED = 903,      // the process ends, its task was not admitted
-    LOG_MEMORY_REFUSED = 904,    // a shared memory object is not a whole memory
-    LOG_UNIT_REFUSED = 905,      // an entry of the units catalogue is not usable
-    LOG_UNITS_DATABASE = 906,    // the database of units cannot be read
-    LOG_MEMORY_UNPUBLISHED = 907 // a memory could not be published
+    LOG_TEXT_CUT = 901,           // copyn had to cut a text
+    LOG_LINE_CUT = 902,           // a line was longer than a line buffer
+    LOG_TASK_REFUSED = 903,       // the process ends, its task was not admitted
+    LOG_MEMORY_REFUSED = 904,     // a shared memory object is not a whole memory
+    LOG_UNIT_REFUSED = 905,       // an entry of the units catalogue is not usable
+    LOG_UNITS_DATABASE = 906,     // the database of units cannot be read
+    LOG_MEMORY_UNPUBLISHED = 907, // a memory could not be published
+    LOG_HOST_LOST = 908           // the cell died, or a memory in use was cut short
 };
 
 struct LogEntry {

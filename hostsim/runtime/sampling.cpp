@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "host/operations.h"
+#include "hostsim/runtime/memoryheader.h"
 
 namespace hostsim
 {
@@ -150,6 +151,7 @@ void xy_acquire_from_fifo(STAT_RECORD *statistics, const FIFO_RECORD *y, const F
     using namespace hostsim;
     if (statistics == nullptr)
         return;
+    watch_host(); // once a pass
     // The samples held are always the first of the buffer: it fills from its
     // beginning, and no figure depends on which of them is the oldest.
     const std::size_t count = usable(y) ? std::min(y->count, y->size) : 0;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -27,7 +28,6 @@ namespace
 
 constexpr const char *SOURCE = "tablearchive.cpp";
 constexpr int32_t NEWEST_IN_FORCE = 1;
-constexpr int READ_LOCK_MS = 1000;
 constexpr std::size_t MAX_REMEMBERED = 10000;
 
 // The records of As-Found, After-Service and Verification are evidence, not
@@ -39,7 +39,8 @@ bool puts_in_force(int save_type)
 }
 
 // Damage already told of, so that an archive read at every binding does not
-// fill the log.
+// fill the log. What is remembered is the place and the bytes there: a file
+// system may hand a freed inode number out again at once.
 bool first_report(const std::string &place)
 {
     static std::mutex mutex;
@@ -48,6 +49,23 @@ bool first_report(const std::string &place)
     if (reported.size() >= MAX_REMEMBERED)
         reported.clear();
     return reported.insert(place).second;
+}
+
+std::size_t digest(std::string_view bytes)
+{
+    return std::hash<std::string_view>{}(bytes);
+}
+
+// Device, inode and, where the file system knows it, time of birth.
+std::string file_identity(int fd)
+{
+    struct statx status = {};
+    if (statx(fd, "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &status) != 0)
+        return {};
+    const struct statx_timestamp &born = status.stx_btime;
+    return std::to_string(status.stx_dev_major) + "." + std::to_string(status.stx_dev_minor) + ":" +
+           std::to_string(status.stx_ino) + ":" + std::to_string(born.tv_sec) + "." +
+           std::to_string(born.tv_nsec);
 }
 
 class ArchiveReader
@@ -60,12 +78,15 @@ public:
 
 private:
     bool take_block(std::uint64_t offset, std::string_view text, TABLE_RECORD *record);
-    void report(std::uint64_t offset, std::size_t line, const std::string &what) const;
+    void report(std::uint64_t offset, std::string_view damaged, std::size_t line,
+                const std::string &what) const;
     std::size_t lines_before(std::uint64_t offset) const;
 
     const char *m_path;
     int m_fd;
-    bool m_damage_follows = false; // behind the region that comes next
+    // Behind the region that comes next: whether there is damage, and its digest.
+    bool m_damage_follows = false;
+    std::size_t m_following = 0;
 };
 
 std::size_t ArchiveReader::lines_before(std::uint64_t offset) const
@@ -82,13 +103,13 @@ std::size_t ArchiveReader::lines_before(std::uint64_t offset) const
     return lines;
 }
 
-void ArchiveReader::report(std::uint64_t offset, std::size_t line, const std::string &what) const
+void ArchiveReader::report(std::uint64_t offset, std::string_view damaged, std::size_t line,
+                           const std::string &what) const
 {
-    struct stat status = {};
-    fstat(m_fd, &status);
-    const std::string place = std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino) +
-                              ":" + std::to_string(offset) + ":" + m_path;
-    if (first_report(place))
+    const std::string damage = file_identity(m_fd) + ":" + std::to_string(offset) + ":" +
+                               std::to_string(damaged.size()) + ":" +
+                               std::to_string(digest(damaged) ^ m_following) + ":" + m_path;
+    if (first_report(damage))
         log_error(SOURCE, __LINE__, 1, LOG_RECORD_DAMAGED, "%s:%zu: damaged record passed over: %s",
                   m_path, lines_before(offset) + line, what.c_str());
 }
@@ -101,12 +122,12 @@ bool ArchiveReader::take_block(std::uint64_t offset, std::string_view text, TABL
     if (save_type != NO_SAVE_TYPE && !puts_in_force(save_type) && check_block(text, &fault))
         return false;
     if (!parse_block(text, record, &info, &fault)) {
-        report(offset, fault.line, fault.what);
+        report(offset, text, fault.line, fault.what);
         return false;
     }
     const RecordFault record_wrong = record_fault(*record, true);
     if (!record_wrong.what.empty()) {
-        report(offset, line_of(text, record_wrong.field), record_wrong.what);
+        report(offset, text, line_of(text, record_wrong.field), record_wrong.what);
         return false;
     }
     return puts_in_force(record->last_save_type);
@@ -118,18 +139,20 @@ bool ArchiveReader::take(const Region &region, TABLE_RECORD *record)
     const Stretch kind = region.opened ? first_stretch(region.text, &size) : Stretch::Blank;
     const std::size_t block = kind == Stretch::Block ? size : 0;
     if (kind == Stretch::Damaged) {
-        report(region.offset, 1, "the block is cut short");
+        report(region.offset, region.text, 1, "the block is cut short");
     } else {
         const std::string_view behind = region.text.substr(block);
         const bool damage = behind.find_first_not_of(" \t\r\n") != std::string_view::npos;
         if (region.continued) {
             m_damage_follows = m_damage_follows || damage;
+            m_following = 31 * m_following + digest(behind);
             return false;
         }
         if (damage || m_damage_follows)
-            report(region.offset + block, 1, "no part of a record");
+            report(region.offset + block, behind, 1, "no part of a record");
     }
     m_damage_follows = false;
+    m_following = 0;
     return block > 0 && take_block(region.offset, region.text.substr(0, block), record);
 }
 
@@ -156,7 +179,9 @@ int16_t read_archive_file_poly(int32_t selector, const char *path, TABLE_RECORD 
     }
     // Not while a record is being added. A lock that is never given back must
     // not keep a channel from being read.
-    lock_within(file.get(), LOCK_SH, READ_LOCK_MS);
+    if (!lock_within(file.get(), LOCK_SH))
+        log_error(SOURCE, __LINE__, 1, LOG_ARCHIVE_LOCKED, "%s: read without a lock: %s", path,
+                  lock_fault("archive").c_str());
     ArchiveReader reader(path, file.get());
     ArchiveSearch search(
         file.get(), static_cast<std::uint64_t>(std::max<std::int64_t>(file_size(file.get()), 0)));

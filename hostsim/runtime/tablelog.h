@@ -13,7 +13,8 @@ enum TableLogCode {
     LOG_TABLE_UNWRITTEN = 923,  // a table file or archive cannot be written
     LOG_TYPE_REFUSED = 924,     // a record of a type that is not stored
     LOG_RECORD_MENDED = 925,    // a record was stored with values brought within limits
-    LOG_SELECTOR_REFUSED = 926  // a selector that is not known
+    LOG_SELECTOR_REFUSED = 926, // a selector that is not known
+    LOG_ARCHIVE_LOCKED = 927    // an archive was read while another process kept it locked
 };
 
 } // namespace hostsim

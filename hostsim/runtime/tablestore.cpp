@@ -28,7 +28,6 @@ namespace
 
 constexpr const char *SOURCE = "tablestore.cpp";
 constexpr int32_t FAILURE = 65535;
-constexpr int WRITE_LOCK_MS = 10000;
 
 void report(const std::string &path, std::size_t line, const std::string &what)
 {
@@ -36,12 +35,16 @@ void report(const std::string &path, std::size_t line, const std::string &what)
               what.c_str());
 }
 
+bool unwritten(const std::string &path, const std::string &why)
+{
+    log_error(SOURCE, __LINE__, 1, LOG_TABLE_UNWRITTEN, "%s: %s", path.c_str(), why.c_str());
+    return false;
+}
+
 // False, with an entry in the log that ends with the system's reason.
 bool failed(const std::string &path, const char *what)
 {
-    log_error(SOURCE, __LINE__, 1, LOG_TABLE_UNWRITTEN, "%s: %s: %s", path.c_str(), what,
-              error_text().c_str());
-    return false;
+    return unwritten(path, std::string(what) + ": " + error_text());
 }
 
 // The one block of a table file, or what is wrong.
@@ -94,10 +97,10 @@ std::string block_of(const char *path, TABLE_RECORD record, int save_type)
 // stood there before is as it was.
 void take_back(const char *path, int fd, std::int64_t former_size)
 {
-    if (ftruncate(fd, former_size) != 0)
+    if (retry_interrupted([=] { return ftruncate(fd, former_size); }) != 0)
         failed(path, "the remains of a failed write stay");
     else
-        fsync(fd);
+        sync_file(fd);
 }
 
 bool append(const char *path, int fd, const std::string &block)
@@ -109,14 +112,11 @@ bool append(const char *path, int fd, const std::string &block)
         return failed(path, "the archive cannot be read");
     // A tail that an earlier crash has cut short stays apart from the record.
     const std::string text = last.empty() || last == "\n" ? block : "\n" + block;
-    ssize_t written = 0;
-    do {
-        written = write(fd, text.data(), text.size());
-    } while (written < 0 && errno == EINTR);
+    const ssize_t written = retry_interrupted([&] { return write(fd, text.data(), text.size()); });
     if (written >= 0 && static_cast<std::size_t>(written) != text.size())
         errno = ENOSPC;
     const bool whole = written >= 0 && static_cast<std::size_t>(written) == text.size();
-    if (!whole || fsync(fd) != 0) {
+    if (!whole || !sync_file(fd)) {
         failed(path, "the record cannot be added");
         take_back(path, fd, former_size);
         return false;
@@ -135,8 +135,8 @@ bool add_record(const char *path, const std::string &block)
     const Descriptor file = open_regular(path, O_RDWR | O_APPEND | O_CREAT, 0666);
     if (!file.valid())
         return failed(path, "the archive cannot be opened");
-    if (!lock_within(file.get(), LOCK_EX, WRITE_LOCK_MS))
-        return failed(path, "another process keeps the archive locked");
+    if (!lock_within(file.get(), LOCK_EX))
+        return unwritten(path, "nothing added, " + lock_fault("archive"));
     return append(path, file.get(), block);
 }
 
@@ -165,7 +165,7 @@ bool sync_history(const std::string &path)
     const Descriptor file = open_regular(history.c_str(), O_RDONLY);
     if (!file.valid() && errno == ENOENT)
         return true;
-    return file.valid() && fsync(file.get()) == 0;
+    return file.valid() && sync_file(file.get());
 }
 
 bool write_temporary(const std::string &name, const std::string &path, const std::string &block)
@@ -177,21 +177,21 @@ bool write_temporary(const std::string &name, const std::string &path, const std
         return false;
     struct stat former = {};
     if (stat(path.c_str(), &former) == 0 && S_ISREG(former.st_mode) &&
-        fchmod(file.get(), former.st_mode & 07777) != 0)
+        retry_interrupted([&] { return fchmod(file.get(), former.st_mode & 07777); }) != 0)
         return false;
-    return write_all(file.get(), block) && fsync(file.get()) == 0;
+    return write_all(file.get(), block) && sync_file(file.get());
 }
 
 bool replace_table(const std::string &path, const std::string &block)
 {
     const std::string folder = folder_of(path);
-    const Descriptor lock(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor lock = open_folder(folder);
     if (!lock.valid())
         return failed(path, "the folder cannot be opened");
-    if (!lock_within(lock.get(), LOCK_EX, WRITE_LOCK_MS) && errno == EWOULDBLOCK)
-        return failed(path, "another process keeps the folder locked");
+    if (!lock_within(lock.get(), LOCK_EX) && errno == EWOULDBLOCK)
+        return unwritten(path, "not written, " + lock_fault("folder"));
     // A history that was just made has its name on disc before the table goes.
-    if (!sync_history(path) || fsync(lock.get()) != 0)
+    if (!sync_history(path) || !sync_file(lock.get()))
         return failed(path, "the former table cannot be made safe");
     const std::string temporary = temporary_name(path);
     if (!write_temporary(temporary, path, block) || rename(temporary.c_str(), path.c_str()) != 0) {
@@ -199,7 +199,7 @@ bool replace_table(const std::string &path, const std::string &block)
         unlink(temporary.c_str());
         return false;
     }
-    return fsync(lock.get()) == 0 || failed(path, "the folder cannot be made safe");
+    return sync_file(lock.get()) || failed(path, "the folder cannot be made safe");
 }
 
 } // namespace

@@ -5,10 +5,11 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 
+#include <fcntl.h>
+
+#include "hostsim/runtime/fileaccess.h"
 #include "hostsim/runtime/mapping.h"
 #include "hostsim/runtime/memoryheader.h"
 
@@ -107,15 +108,9 @@ UnitCatalogue parse_unit_catalogue(const std::string &text, std::vector<std::str
 
 bool read_unit_catalogue_text(const char *path, std::string *text)
 {
-    const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path, "re"), fclose);
-    if (!file)
-        return false;
-    text->clear();
-    char block[4096];
-    std::size_t size = 0;
-    while ((size = fread(block, 1, sizeof block, file.get())) > 0)
-        text->append(block, size);
-    return ferror(file.get()) == 0;
+    const Descriptor file = open_regular(path, O_RDONLY);
+    const std::int64_t size = file.valid() ? file_size(file.get()) : -1;
+    return size >= 0 && read_at(file.get(), 0, static_cast<std::size_t>(size), text);
 }
 
 void fill_unit_records(const UnitCatalogue &catalogue, UNIT_RECORD *records)

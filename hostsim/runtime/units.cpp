@@ -161,6 +161,13 @@ bool alike(const Unit *a, const Unit *b)
     return a != nullptr && b != nullptr && a->entry.dimension == b->entry.dimension;
 }
 
+// A unit that has not been chosen yet: it has no dimension, so none contradicts
+// it.
+bool not_chosen(const char *keyword)
+{
+    return keyword[0] == '\0';
+}
+
 // With the lock held.
 int32_t convert(Service *all, const char *from, const char *to, double value, double *out)
 {
@@ -197,7 +204,9 @@ int32_t units_dimension_check_key(const char *a, const char *b)
     using namespace hostsim;
     Service &all = service();
     const std::lock_guard<std::mutex> lock(all.mutex);
-    return ready(&all) && alike(find(all, a), find(all, b)) ? 0 : 1;
+    if (a == nullptr || b == nullptr || !ready(&all))
+        return 1;
+    return not_chosen(a) || not_chosen(b) || alike(find(all, a), find(all, b)) ? 0 : 1;
 }
 
 int32_t units_dbl_keyword_convrt(const char *from, double *out, const char *to, double value)

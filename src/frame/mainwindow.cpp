@@ -27,6 +27,26 @@
 #include "window/termination.h"
 #include "window/touchfield.h"
 
+namespace
+{
+
+// The form's least sizes are those of ordinary type; larger type needs more.
+void keep_texts_whole(const Ui::MainWindow &form)
+{
+    QWidget *const parts[] = {form.cboCurrentChannel,
+                              form.cboCalType,
+                              form.label_3,
+                              form.label_2,
+                              form.btnRecordData,
+                              form.btnUnits,
+                              form.btnReuseCalibration,
+                              form.btnAdjustCalibration};
+    for (QWidget *part : parts)
+        part->setMinimumSize(part->minimumSize().expandedTo(part->minimumSizeHint()));
+}
+
+} // namespace
+
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent), m_monitor(nullptr),
       m_table_mutex(nullptr), m_curves{}, m_symbols{}, curve_x{}, curve_y{}, poly_x{}, poly_y{},
@@ -37,6 +57,7 @@ MainWindow::MainWindow(QWidget *parent)
     g_first_select = 1;
     m_table_mutex = new QMutex(QMutex::Recursive);
     ui->setupUi(this);
+    keep_texts_whole(*ui);
     set_start_state();
     curves_removed = false;
     if (init() != 1)

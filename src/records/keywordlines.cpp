@@ -2,8 +2,6 @@
 #include "records/keywordlines.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 #include <QTextCodec>
@@ -26,18 +24,4 @@ QString text_of_line(const char *line)
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     return QTextCodec::codecForName("UTF-8")->toUnicode(line, static_cast<int>(std::strlen(line)),
                                                         &state);
-}
-
-bool write_keyword_file(const QByteArray &path, const QByteArray &text)
-{
-    std::FILE *file = std::fopen(path.constData(), "we");
-    if (file == nullptr)
-        return false;
-    const auto size = static_cast<std::size_t>(text.size());
-    const bool written = std::fwrite(text.constData(), 1, size, file) == size;
-    const int reason = errno;
-    if (std::fclose(file) != 0)
-        return false;
-    errno = reason;
-    return written;
 }

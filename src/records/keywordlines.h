@@ -21,7 +21,4 @@ QByteArray keyword_lines(const char *keyword, const QByteArray &value);
 // replacement characters.
 QString text_of_line(const char *line);
 
-// Replaces the whole file. False, with the reason in errno, when that fails.
-bool write_keyword_file(const QByteArray &path, const QByteArray &text);
-
 #endif

@@ -9,6 +9,7 @@
 
 #include "host/operations.h"
 #include "records/keywordlines.h"
+#include "records/wholefile.h"
 
 namespace
 {
@@ -82,7 +83,7 @@ void write_specs(const SPECS_LINES &lines)
                       keyword_lines(HUMIDITY_KEYWORD, lines.humidity) + text_line(EMAIL_KEYWORD);
     for (const QByteArray &email : lines.emails)
         text += text_line(email);
-    if (!write_keyword_file(SPECS_PATH, text))
+    if (!replace_file(SPECS_PATH, text))
         log_error(__FILE__, __LINE__, SEVERITY, LOG_UNWRITABLE,
                   "zerl_util - unable to write the ini file <%s>: %s", SPECS_PATH,
                   std::strerror(errno));

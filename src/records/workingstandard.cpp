@@ -8,6 +8,7 @@
 #include "frame/functions.h"
 #include "host/operations.h"
 #include "records/keywordlines.h"
+#include "records/wholefile.h"
 
 namespace
 {
@@ -82,7 +83,7 @@ QByteArray working_standard_text(const WorkingStandard &standard)
 void write_working_standard(const WorkingStandard &standard)
 {
     const QByteArray path = working_standard_path(standard.name);
-    if (!write_keyword_file(path, working_standard_text(standard)))
+    if (!replace_file(path, working_standard_text(standard)))
         log_error(__FILE__, __LINE__, 1, errno, "Unable to write <%s>: %s", path.constData(),
                   std::strerror(errno));
 }

@@ -15,7 +15,9 @@ constexpr int COMMAND_SIZE = 200;
 
 QByteArray previous_report_path(const TABLE_RECORD &table)
 {
-    return permanent_report_path(table, QDateTime::fromSecsSinceEpoch(table.last_cal_time).date());
+    // The time is taken as 32 bits without a sign.
+    const auto seconds = static_cast<uint32_t>(table.last_cal_time);
+    return permanent_report_path(table, QDateTime::fromSecsSinceEpoch(seconds).date());
 }
 
 // Quotes may take an odd name past the usual length; a cut one would lose the

@@ -21,7 +21,7 @@ uint32_t sensor_range_reason(const TABLE_RECORD &table)
         return RANGE_UNITS_MISSING;
     if (strcasecmp(table.sensor_units, "none") == 0)
         return RANGE_UNITS_NONE;
-    if (!same_dimension(table.sensor_units, table.eng_units))
+    if (!units_agree(table.sensor_units, table.eng_units))
         return RANGE_UNITS_UNLIKE;
     return RANGE_VALID;
 }
@@ -46,7 +46,7 @@ uint32_t form_range_reason(const RangeForm &form, const char *eng_units)
         return RANGE_UNITS_MISSING;
     if (units.contains(QLatin1String("none"), Qt::CaseInsensitive))
         return RANGE_UNITS_NONE;
-    if (!same_dimension(form.units, eng_units))
+    if (!units_agree(form.units, eng_units))
         return RANGE_UNITS_UNLIKE;
     return RANGE_VALID;
 }

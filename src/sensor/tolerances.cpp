@@ -115,7 +115,7 @@ TokenReading read_tolerance(const char *token, const char *token_after_w2,
                                   std::fabs(table.sensor_range_max - table.sensor_range_min));
     const SplitToken split = read_token(token);
     if (same_dimension(split.unit, table.sensor_units)) {
-        if (same_dimension(split.unit, table.eng_units))
+        if (units_agree(split.unit, table.eng_units))
             return {converted(split.unit, table.eng_units, split.value), nullptr};
         return {span * as_fraction(token_after_w2, split.value), &TABLE_UNITS_WARNING};
     }

@@ -6,10 +6,17 @@
 
 #include "host/operations.h"
 
-// True when values of one unit can be converted to the other.
-inline bool same_dimension(const char *a, const char *b)
+// True when nothing keeps a value from standing in both: a unit that was not
+// chosen yet, the empty keyword, agrees with any at the host.
+inline bool units_agree(const char *a, const char *b)
 {
     return (units_dimension_check_key(a, b) & 0xffff) == 0;
+}
+
+// True when values of one unit can be converted to the other, which takes two.
+inline bool same_dimension(const char *a, const char *b)
+{
+    return a[0] != '\0' && b[0] != '\0' && units_agree(a, b);
 }
 
 // The value in the other unit; as it stands when the two are unlike or unknown.

@@ -7,7 +7,25 @@
 
 #include "calibration/comparison.h"
 #include "ui_currentcalibrationstatsdialog.h"
+#include "views/boxedlabel.h"
 #include "views/statinfo.h"
+#include "views/statisticscells.h"
+
+namespace
+{
+
+constexpr double WIDE_VALUE = 1234567.0; // shown in ordinary type, with its sign
+
+// Its longest word, or what the form gives it.
+int heading_width(const QLabel *heading)
+{
+    int width = heading->maximumWidth();
+    for (const QString &word : heading->text().split(QLatin1Char(' ')))
+        width = std::max(width, heading->fontMetrics().horizontalAdvance(word) + 2);
+    return width;
+}
+
+} // namespace
 
 CurrentCalibrationStatsDialog::CurrentCalibrationStatsDialog(QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::CurrentCalibrationStatsDialog>()),
@@ -16,6 +34,7 @@ CurrentCalibrationStatsDialog::CurrentCalibrationStatsDialog(QWidget *parent)
     ui->setupUi(this);
     const int count = point_count(cfg->long_current);
     add_rows(count);
+    fit_columns();
     for (int i = 0; i < count; ++i)
         compute_row(i);
     connect(ui->scrollArea->verticalScrollBar(), &QScrollBar::valueChanged, this,
@@ -37,6 +56,30 @@ void CurrentCalibrationStatsDialog::add_rows(int count)
         m_rows.append(row);
         ui->verticalLayout->addWidget(row);
     }
+}
+
+// The form's widths are those of ordinary type; larger type takes wider columns,
+// and the view is as wide as they are.
+void CurrentCalibrationStatsDialog::fit_columns()
+{
+    QLabel *const values[] = {ui->lblCurrentCal,        ui->lblPreviousCal, ui->lblStraightLine,
+                              ui->lblCurrentToPrevious, ui->lblCurrentToSL, ui->lblPreviousToSL};
+    const int number = heading_width(ui->lblCurrentCal_2);
+    int value = BoxedLabel::width_for(font(), difference_text(-WIDE_VALUE));
+    for (const QLabel *heading : values)
+        value = std::max(value, heading_width(heading));
+    if (number > ui->lblCurrentCal_2->maximumWidth() || value > ui->lblCurrentCal->maximumWidth()) {
+        ui->lblCurrentCal_2->setFixedWidth(number);
+        for (QLabel *heading : values)
+            heading->setFixedWidth(value);
+        for (StatInfo *row : m_rows)
+            row->set_cell_widths(number, value);
+    }
+    // A bar beside the rows must not bring one under them.
+    const QScrollBar *bar = ui->scrollArea->verticalScrollBar();
+    const int beside = bar->sizeHint().width() + 2 * ui->scrollArea->frameWidth();
+    if (!m_rows.isEmpty())
+        ui->scrollArea->setMinimumWidth(m_rows.first()->minimumSizeHint().width() + beside);
 }
 
 void CurrentCalibrationStatsDialog::resizeEvent(QResizeEvent *event)

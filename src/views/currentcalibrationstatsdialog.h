@@ -32,6 +32,7 @@ protected:
 
 private:
     void add_rows(int count);
+    void fit_columns();
     void compute_row(int i);
     void show_rows_in_reach();
 

@@ -22,6 +22,7 @@
 #include "frame/relaxed.h"
 #include "frame/tablelock.h"
 #include "ui_mainwindow.h"
+#include "views/plotparts.h"
 
 namespace
 {
@@ -66,6 +67,14 @@ bool table_differs(const LONG_TABLE &table)
     return std::memcmp(last_long_current, &table, COMPARED_BYTES) != 0;
 }
 
+// Plain, whatever the host's text looks like, and in the axis title's own font.
+void set_units_title(QwtPlot *plot, const QString &units)
+{
+    QwtText title = plot->axisTitle(QwtPlot::yLeft);
+    title.setText(units, QwtText::PlainText);
+    plot->setAxisTitle(QwtPlot::yLeft, title);
+}
+
 bool shows_polynomial(const QComboBox *type)
 {
     return type->currentIndex() == 1 || type->currentIndex() == 2;
@@ -84,7 +93,7 @@ void MainWindow::setup_plot()
     for (int i = 0; i < CURVE_COUNT; ++i) {
         const CurveLook &look = LOOKS[i];
         m_pens[i] = QPen(QBrush(look.colour), 0, look.line, Qt::SquareCap, Qt::BevelJoin);
-        m_curves[i] = new QwtPlotCurve(QString::fromLatin1(look.title));
+        m_curves[i] = new FiniteCurve(QString::fromLatin1(look.title));
         m_symbols[i] =
             new QwtSymbol(look.shape, QBrush(look.colour), m_pens[i], QSize(look.size, look.size));
         m_curves[i]->setRenderHint(QwtPlotItem::RenderAntialiased);
@@ -182,13 +191,13 @@ void MainWindow::update_plot(ZERL_CFG *cfg)
     const bool y_moved = track_reading(&cfg->y_axis_range, live_eu, redraw, &last_live_eu);
     const bool point_moved = x_moved || y_moved;
     if (point_moved || redraw) {
-        ui->dataPlot->setTitle(
-            QString::asprintf("Current Point: %8.4f /%8.4f", live_mv, live_eu).left(79));
+        ui->dataPlot->setTitle(one_line_title(
+            QString::asprintf("Current Point: %8.4f /%8.4f", live_mv, live_eu).left(79)));
     }
     const bool rescale = cfg->x_axis_range.changed != 0 || cfg->y_axis_range.changed != 0;
     if (rescale || redraw || table_changed || force_rescale) {
         if (redraw)
-            ui->dataPlot->setAxisTitle(QwtPlot::yLeft, record_text(cfg->table.eng_units));
+            set_units_title(ui->dataPlot, record_text(cfg->table.eng_units));
         redraw_curves(cfg, rescale || redraw || force_rescale);
     }
     if (point_moved || redraw || rescale) {

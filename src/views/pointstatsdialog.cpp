@@ -10,8 +10,12 @@ PointStatsDialog::PointStatsDialog(QWidget *parent)
       cfg(g_cfg != nullptr ? g_cfg : get_cfg_pointer())
 {
     ui->setupUi(this);
-    // Headings make the widths; the form leaves room for the longest value.
+    // Headings make the widths; there is room for the longest value.
     ui->tblCalInfo->resizeColumnsToContents();
+    keep_room_for(ui->tblCalInfo, figure_text(-1.23456e-300));
+    const QMargins margins = layout()->contentsMargins();
+    widen(this, width_of_columns(ui->tblCalInfo) + 2 * ui->scrollArea->frameWidth() +
+                    margins.left() + margins.right());
     fill();
 }
 

@@ -20,6 +20,10 @@ PolyRegressionDialog::PolyRegressionDialog(QWidget *parent)
     fill_coefficients();
     fill_regression();
     ui->tblCalInfo->resizeColumnsToContents();
+    keep_room_for(ui->tblCalInfo, QString());
+    const QMargins margins = layout()->contentsMargins();
+    widen(this, width_of_columns(ui->tblCalInfo) + ui->horizontalLayout->spacing() +
+                    ui->verticalLayout->sizeHint().width() + margins.left() + margins.right());
 }
 
 PolyRegressionDialog::~PolyRegressionDialog() = default;

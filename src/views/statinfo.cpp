@@ -13,6 +13,12 @@ StatInfo::StatInfo(int16_t row, QWidget *parent)
 
 StatInfo::~StatInfo() = default;
 
+void StatInfo::set_cell_widths(int number, int value)
+{
+    for (BoxedLabel *label : findChildren<BoxedLabel *>())
+        label->setFixedWidth(label == ui->lblIndexNum ? number : value);
+}
+
 void StatInfo::setCurrentCalibration(double value)
 {
     ui->lblCurrentCalibration->setText(difference_text(value));

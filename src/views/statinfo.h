@@ -24,6 +24,9 @@ public:
 
     int16_t row_index() const { return index; }
 
+    // Makes the cells that wide: number of the point, and values. Both in pixels.
+    void set_cell_widths(int number, int value);
+
     // Each takes a value in engineering units and shows it with 2 decimals.
     void setCurrentCalibration(double value);
     void setPreviousCalibration(double value);

@@ -36,6 +36,7 @@ void stop_linearity_report(tour::Driver &driver);
 void stop_equal_limits(tour::Driver &driver);
 void stop_unlike_units(tour::Driver &driver);
 void stop_table_units(tour::Driver &driver);
+void stop_channel_without_a_table(tour::Driver &driver);
 
 // tour_views.cpp
 void stop_statistics(tour::Driver &driver);

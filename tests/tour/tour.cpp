@@ -39,6 +39,7 @@ constexpr Stop STOPS[] = {
     {"a sensor range with equal limits is repaired", stop_equal_limits},
     {"a sensor range in units unlike the table's is repaired", stop_unlike_units},
     {"the table's units are changed", stop_table_units},
+    {"a channel without a table is given one", stop_channel_without_a_table},
     {"leave", stop_leave},
 };
 

@@ -182,3 +182,71 @@ void stop_table_units(Driver &driver)
     check_limits(driver, "boost_pressure.save", 50.0);
     driver.answer([&] { choose_channel(driver, 0); }, QStringLiteral("L2"), QStringLiteral("OK"));
 }
+
+namespace
+{
+
+constexpr int NEW_CHANNEL = 9;
+
+// The channel has no table file: its range is empty, so the table information
+// opens, and neither sensor nor table has units yet.
+void describe_sensor(Driver &driver)
+{
+    repair_channel(driver, NEW_CHANNEL, QStringLiteral("new-channel"), [&](QWidget *dialog) {
+        type(driver, dialog, "txtDescription", QStringLiteral("New pressure"));
+        type(driver, dialog, "txtLowerRangeLimit", QStringLiteral("0"));
+        type(driver, dialog, "txtUpperRangeLimit", QStringLiteral("100"));
+        driver.with_dialog(
+            [&] { driver.press(driver.find<QPushButton>("btnSensorUnits", dialog)); },
+            [&](QWidget *units) {
+                pick_units(driver, units, QStringLiteral("Pressure"), QStringLiteral("kPa"),
+                           QStringLiteral("new-channel-sensor-units"));
+            });
+    });
+}
+
+void choose_table_units(Driver &driver)
+{
+    auto *button = driver.find<QPushButton>("btnUnits");
+    driver.with_dialog([&] { driver.press(button); },
+                       [&](QWidget *units) {
+                           pick_units(driver, units, QStringLiteral("Pressure"),
+                                      QStringLiteral("kPa"),
+                                      QStringLiteral("new-channel-table-units"));
+                       });
+    driver.check(button->text() == QLatin1String("kPa"), QStringLiteral("the table is in kPa"));
+}
+
+} // namespace
+
+// A channel without a table, from nothing to a table in force.
+void stop_channel_without_a_table(Driver &driver)
+{
+    driver.check(!QFile::exists(QStringLiteral("/cell/tables/new_channel.tbl")),
+                 QStringLiteral("the channel has no table yet"));
+    describe_sensor(driver);
+    choose_table_units(driver);
+    driver.enter(driver.find<QLineEdit>("txtNumPoints"), QStringLiteral("3"));
+    const QList<Row> rows = visible_rows(driver);
+    driver.check(rows.size() == 3, QStringLiteral("three rows are offered"));
+    driver.picture(QStringLiteral("new-channel-rows"));
+    for (int i = 0; i < rows.size(); ++i) {
+        driver.enter(rows[i].value, QString::number(50 * i));
+        capture_point(driver, NEW_CHANNEL, i);
+    }
+    record(driver, "new_channel", NEW_CORRELATION, QStringLiteral("First table"));
+    driver.expect_rewritten("new_channel");
+    check_limits(driver, "new_channel.tbl", 100.0);
+    driver.picture(QStringLiteral("new-channel-correlation"));
+    // Left and picked again, the channel is judged by its first table.
+    choose_channel(driver, 0);
+    choose_channel(driver, NEW_CHANNEL);
+    driver.check(visible_rows(driver).size() == 3, QStringLiteral("the first table is read"));
+    capture_all(driver, NEW_CHANNEL);
+    check_rows(driver, "green");
+    record(driver, "new_channel", AS_FOUND, QStringLiteral("By the first table"));
+    adjust(driver, "new_channel", QStringLiteral("Q1"));
+    check_boxes(driver, {"green", "N/A green", "green", "", ""});
+    check_limits(driver, "new_channel.tbl", 100.0);
+    driver.picture(QStringLiteral("new-channel-adjusted"));
+}

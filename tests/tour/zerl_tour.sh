@@ -62,6 +62,12 @@ for table in /cell/tables/*.tbl; do
             fail "$stem.old has grown"
         continue
     fi
+    if [ ! -e "$former" ]; then
+        "$vxtable" list "$stem.old" >/dev/null || fail "$stem.old holds no former table"
+        printf '\ntour: %s, made from nothing:\n' "$table"
+        "$vxtable" show "$table"
+        continue
+    fi
     if cmp -s "$table" "$former"; then
         fail "$table was not rewritten"
     fi

@@ -4,14 +4,17 @@
 #include <limits>
 
 #include <QGridLayout>
+#include <QHelpEvent>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include "calibration/linefit.h"
 #include "gui/views/statisticsview.h"
+#include "support/testmain.h"
+#include "views/boxedlabel.h"
 #include "views/currentcalibrationstatsdialog.h"
 #include "views/statinfo.h"
-#include "support/testmain.h"
 
 namespace
 {
@@ -84,6 +87,9 @@ private slots:
     void labels_stand_under_their_headings();
     void few_rows_stand_at_the_top();
     void every_row_in_view_is_shown_wherever_it_is_scrolled();
+    void wide_values_are_never_shown_wrong_data();
+    void wide_values_are_never_shown_wrong();
+    void tool_tip_shows_the_whole_of_a_value_that_is_cut();
     void opened_twice();
     void record_by_the_second_pointer();
     void closing();
@@ -318,6 +324,67 @@ void CalibrationStatistics::every_row_in_view_is_shown_wherever_it_is_scrolled()
     QVERIFY(QTest::qWaitForWindowExposed(&grown));
     grown.resize(grown.width(), 2200);
     QTRY_VERIFY(rows_of(grown)[63]->isVisible());
+}
+
+void CalibrationStatistics::wide_values_are_never_shown_wrong_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<bool>("smaller");
+    QTest::addColumn<bool>("cut");
+    QTest::newRow("ordinary") << -1234567.0 << false << false;
+    QTest::newRow("19 characters") << 1e15 << true << false;
+    QTest::newRow("the same below zero") << -1e15 << true << false;
+    QTest::newRow("64 characters") << 1e60 << true << true;
+    QTest::newRow("longest") << -1.7e308 << true << true;
+}
+
+void CalibrationStatistics::wide_values_are_never_shown_wrong()
+{
+    QFETCH(double, value);
+    g_cfg->long_current.y[0] = value;
+    CurrentCalibrationStatsDialog view(nullptr);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    const auto *label = part<BoxedLabel>(rows_of(view)[0], "lblCurrentCalibration");
+    const QString whole = QString::asprintf("%8.2f", value);
+    QCOMPARE(label->text(), whole);
+    const FittedText shown = label->shown();
+    const QFontMetrics metrics(shown.font);
+    QVERIFY(metrics.horizontalAdvance(shown.text) <= label->contentsRect().width());
+    QTEST(shown.font.pointSizeF() < label->font().pointSizeF(), "smaller");
+    QTEST(shown.cut, "cut");
+    QVERIFY(shown.font.pointSizeF() >= 6.0);
+    if (shown.cut) {
+        QVERIFY(shown.text.endsWith(QChar(0x2026)));
+        QVERIFY(whole.startsWith(shown.text.chopped(1)));
+    } else {
+        QCOMPARE(shown.text, whole);
+    }
+    // What is painted stays off the box on either side.
+    const QImage image = const_cast<BoxedLabel *>(label)->grab().toImage();
+    for (const int x : {2, image.width() - 3}) {
+        for (int y = 1; y < image.height() - 1; ++y)
+            QCOMPARE(image.pixel(x, y), image.pixel(1, 1));
+    }
+}
+
+void CalibrationStatistics::tool_tip_shows_the_whole_of_a_value_that_is_cut()
+{
+    g_cfg->long_current.y[0] = 1e60;
+    CurrentCalibrationStatsDialog view(nullptr);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    const auto tip_of = [&view](const char *name) {
+        auto *label = part<QLabel>(rows_of(view)[0], name);
+        QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), label->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(label, &event);
+        const QString tip = QToolTip::text();
+        QToolTip::hideText();
+        return tip;
+    };
+    QCOMPARE(tip_of("lblCurrentCalibration").remove('\n'), QString::asprintf("%.2f", 1e60));
+    QTRY_VERIFY(!QToolTip::isVisible());
+    QCOMPARE(tip_of("lblPreviousCalibration"), QString());
 }
 
 void CalibrationStatistics::opened_twice()

@@ -2,16 +2,22 @@
 //
 // How the calibration plot looks once it is set up: curves, symbols, legend,
 // axes and canvas, with and without lines.
+#include <cmath>
+#include <limits>
+
 #include <qwt_legend.h>
 #include <qwt_legend_label.h>
 #include <qwt_plot_layout.h>
+#include <qwt_scale_div.h>
 #include <qwt_symbol.h>
 
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
 #include "gui/views/plotlook.h"
+#include "gui/views/plottitle.h"
 #include "support/testmain.h"
+#include "views/fittedtext.h"
 
 class PlotLook : public QObject
 {
@@ -32,6 +38,12 @@ private slots:
     void interp_to_poly_changes_legend_and_lines();
     void poly_to_interp_brings_the_lines_back();
     void title_of_the_left_axis_is_the_unit();
+    void units_of_the_left_axis_are_plain_text();
+    void title_fits_and_the_canvas_stays_data() { title_rows(); }
+    void title_fits_and_the_canvas_stays();
+    void title_is_in_its_own_type_where_that_fits();
+    void samples_that_are_no_numbers_leave_the_axes_alone_data();
+    void samples_that_are_no_numbers_leave_the_axes_alone();
 
 private:
     QwtPlot *plot() const { return m_it->form->dataPlot; }
@@ -205,6 +217,74 @@ void PlotLook::title_of_the_left_axis_is_the_unit()
     m_it->bind_afresh(9);
     QTRY_COMPARE_WITH_TIMEOUT(plot()->axisTitle(QwtPlot::yLeft).text(), QStringLiteral("DEG_C"),
                               DEADLINE_MS);
+}
+
+// Measured, because rich text gives itself away by its size.
+void PlotLook::units_of_the_left_axis_are_plain_text()
+{
+    m_it->bind_afresh(0);
+    qstrncpy(g_cfg->table.eng_units, "<h1>kPa</h1>", sizeof g_cfg->table.eng_units);
+    g_cfg->redraw_all = 1;
+    QTRY_COMPARE_WITH_TIMEOUT(plot()->axisTitle(QwtPlot::yLeft).text(), QString("<h1>kPa</h1>"),
+                              DEADLINE_MS);
+    const QwtText title = plot()->axisTitle(QwtPlot::yLeft);
+    QwtText plain("<h1>kPa</h1>", QwtText::PlainText);
+    plain.setFont(title.font());
+    QCOMPARE(title.textSize(), plain.textSize());
+    QCOMPARE(title.font(), plot()->axisTitle(QwtPlot::xBottom).font());
+    m_it->bind_afresh(9);
+}
+
+void PlotLook::title_fits_and_the_canvas_stays()
+{
+    check_title(plot());
+}
+
+void PlotLook::title_is_in_its_own_type_where_that_fits()
+{
+    const FittedText ordinary =
+        fitted_text(plot()->titleLabel()->font(), "Current Point:   1.5000 /  1.5000",
+                    plot()->titleLabel()->width(), 0);
+    QCOMPARE(ordinary.font, plot()->titleLabel()->font());
+    QCOMPARE(ordinary.font.pointSize(), 14);
+    QVERIFY(ordinary.font.bold());
+}
+
+void PlotLook::samples_that_are_no_numbers_leave_the_axes_alone_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<bool>("in_x");
+    QTest::addColumn<double>("value");
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("first y") << 0 << false << nan;
+    QTest::newRow("y in the midst") << 2 << false << nan;
+    QTest::newRow("first x") << 0 << true << nan;
+    QTest::newRow("infinite y") << 3 << false << inf;
+    QTest::newRow("infinite x below") << 1 << true << -inf;
+}
+
+void PlotLook::samples_that_are_no_numbers_leave_the_axes_alone()
+{
+    QFETCH(int, index);
+    QFETCH(bool, in_x);
+    QFETCH(double, value);
+    m_it->bind_afresh(0); // five points of 0 to 100 kPa
+    QTRY_COMPARE_WITH_TIMEOUT(g_cfg->redraw_all, uint16_t(0), DEADLINE_MS);
+    (in_x ? g_cfg->long_current.x : g_cfg->long_current.y)[index] = value;
+    g_cfg->redraw_all = 1;
+    QTRY_COMPARE_WITH_TIMEOUT(g_cfg->redraw_all, uint16_t(0), DEADLINE_MS);
+    const QwtPlotCurve *captured = m_it->window->curve(CURVE_CAPTURED);
+    const QPointF sample = captured->sample(index);
+    QVERIFY(!std::isfinite(in_x ? sample.x() : sample.y())); // it stays among them
+    const QRectF bounds = captured->boundingRect();
+    QCOMPARE(bounds.right(), 5000.0);
+    QCOMPARE(bounds.bottom(), 100.0);
+    plot()->updateAxes();
+    const QwtInterval axis = plot()->axisScaleDiv(QwtPlot::yLeft).interval().normalized();
+    QVERIFY2(axis.maxValue() >= 100.0 && axis.maxValue() <= 200.0,
+             qPrintable(QString::number(axis.maxValue())));
+    m_it->bind_afresh(9);
 }
 
 WINDOW_TEST(PlotLook);

@@ -25,6 +25,7 @@ private slots:
     void announces_itself_in_the_log();
     void second_cell_is_refused();
     void killed_cell_is_followed_by_another();
+    void killed_cell_is_no_running_host();
     void refusal_of_tasks_data();
     void refusal_of_tasks();
     void wrong_description_data();
@@ -137,11 +138,33 @@ void TrainingCell::killed_cell_is_followed_by_another()
     first.kill();
     QVERIFY(!published_memories().isEmpty());
     QVERIFY(QFile::exists(cell::CELL_SOCKET));
+    write_file("/dev/shm/vornax.6.new.1.1", "of a cell that died while it published");
     TestCell second(TestCell::simple_description());
     QVERIFY2(second.start(), qPrintable(second.error()));
     QVERIFY(second.apply(0, 10.0));
     QCOMPARE(reading(0), 500.0);
     QVERIFY2(second.stop(), qPrintable(second.error()));
+}
+
+// What it left behind is there for everyone to see, and counts for nothing.
+void TrainingCell::killed_cell_is_no_running_host()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    const auto *mv = static_cast<const MV_RECORD *>(get_shrd_mem(MEMORY_MILLIVOLTS, 0));
+    QVERIFY(cell.mv(0, 7.5));
+    cell.kill();
+    for (const int id : {1, 3, 5, 6, 31, 35, 60})
+        QVERIFY2(get_shrd_mem(id, 0) == nullptr, qPrintable(QString::number(id)));
+    void *units = nullptr;
+    QCOMPARE(link_to_memory(MEMORY_UNITS, &units), 0);
+    QCOMPARE(mv[0].mv, 7.5);
+    QVERIFY(!cell.client().apply(0, 1.0));
+    cell::CellClient client;
+    QVERIFY(!client.apply(0, 1.0));
+    QCOMPARE(QString::fromStdString(client.error()),
+             QString("/cell/cell.sock: the cell does not run any more"));
+    TestCell::tidy();
 }
 
 void TrainingCell::refusal_of_tasks_data()

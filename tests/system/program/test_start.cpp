@@ -9,13 +9,14 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
-#include "system/program/testprogram.h"
 #include "support/testmain.h"
+#include "system/program/testprogram.h"
 
 namespace
 {
 const QString FATAL =
     QStringLiteral("Information|Failure initializing shared memory for task - exiting");
+const QString LOST = QStringLiteral("the host is lost: ");
 const QString MARKER = QStringLiteral("/cell/vornax_ts.ini");
 } // namespace
 
@@ -26,6 +27,11 @@ class ProgramStart : public QObject
 private slots:
     void init();
     void no_host_tells_two_boxes_and_ends_with_0();
+    void killed_cell_is_no_running_host();
+    void cell_that_dies_meanwhile_changes_nothing_and_is_logged_once();
+    void memory_cut_short_meanwhile_is_survived_data();
+    void memory_cut_short_meanwhile_is_survived();
+    void count_beyond_the_records_lists_the_channels_there_are();
     void missing_memory_is_named_data();
     void missing_memory_is_named();
     void units_that_cannot_be_read();
@@ -66,6 +72,102 @@ void ProgramStart::no_host_tells_two_boxes_and_ends_with_0()
         }
     }
     QVERIFY(logged);
+}
+
+void ProgramStart::killed_cell_is_no_running_host()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    cell.kill();
+    QVERIFY(!published_memories().isEmpty());
+    const HostLog log;
+    TestProgram program;
+    QVERIFY(program.start());
+    QCOMPARE(program.next_box(),
+             QStringLiteral("Information|Vornax must be running\nUnable to get AI_REAL memory"));
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.next_box(), FATAL);
+    QVERIFY(program.press(QStringLiteral("OK")));
+    QCOMPARE(program.wait_for_end(), 0);
+    QVERIFY(!program.window_seen());
+    QCOMPARE(log.count(LOST + QStringLiteral("the cell that published the memories lives no more")),
+             1);
+    TestCell::tidy();
+}
+
+void ProgramStart::cell_that_dies_meanwhile_changes_nothing_and_is_logged_once()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    QVERIFY(program.start());
+    QVERIFY(program.wait_for_window());
+    QVERIFY(cell.mv(0, 1250.0));
+    QVERIFY(program.send({"pick", "0"}));
+    QTRY_VERIFY_WITH_TIMEOUT(program.ask({"title"}).contains(QStringLiteral("1250.0")),
+                             DEADLINE_MS);
+    const QString before = program.ask({"title"});
+    const HostLog log;
+    cell.kill();
+    QTRY_VERIFY_WITH_TIMEOUT(log.count_containing(LOST) > 0, DEADLINE_MS);
+    QCOMPARE(program.ask({"title"}), before);
+    QCOMPARE(log.count_containing(LOST), 1);
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+    QCOMPARE(log.count_containing(LOST), 1);
+    TestCell::tidy();
+}
+
+void ProgramStart::memory_cut_short_meanwhile_is_survived_data()
+{
+    QTest::addColumn<int>("number");
+    for (const int number : {1, 3, 5, 6})
+        QTest::addRow("memory %d", number) << number;
+}
+
+void ProgramStart::memory_cut_short_meanwhile_is_survived()
+{
+    QFETCH(int, number);
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    TestProgram program;
+    QVERIFY(program.start());
+    QVERIFY(program.wait_for_window());
+    QVERIFY(cell.mv(0, 1250.0));
+    QVERIFY(program.send({"pick", "0"}));
+    QTRY_VERIFY_WITH_TIMEOUT(program.ask({"title"}).contains(QStringLiteral("1250.0")),
+                             DEADLINE_MS);
+    const HostLog log;
+    QFile memory(QStringLiteral("/dev/shm/vornax.%1").arg(number));
+    QVERIFY(memory.resize(0));
+    const QString text =
+        LOST + QStringLiteral("shared memory /vornax.%1 was cut short").arg(number);
+    QTRY_VERIFY_WITH_TIMEOUT(log.count(text) > 0, DEADLINE_MS);
+    QVERIFY(program.send({"pick", "1"}));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        program.get(QStringLiteral("lblTableName"), QStringLiteral("text")).contains("one"),
+        DEADLINE_MS);
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
+}
+
+void ProgramStart::count_beyond_the_records_lists_the_channels_there_are()
+{
+    TestCell cell(TestCell::simple_description());
+    QVERIFY2(cell.start(), qPrintable(cell.error()));
+    QFile memory(QStringLiteral("/dev/shm/vornax.1"));
+    QVERIFY(memory.open(QIODevice::ReadWrite));
+    const int16_t count = 32767;
+    QVERIFY(memory.seek(64 + 1400));
+    QCOMPARE(memory.write(reinterpret_cast<const char *>(&count), sizeof count), 2);
+    memory.close();
+    TestProgram program;
+    QVERIFY(program.start());
+    QVERIFY(program.wait_for_window());
+    QCOMPARE(program.get(QStringLiteral("cboCurrentChannel"), QStringLiteral("count")),
+             QStringLiteral("4")); // three, and the line that is none
+    program.terminate();
+    QCOMPARE(program.wait_for_end(), 0);
 }
 
 void ProgramStart::missing_memory_is_named_data()

@@ -91,8 +91,13 @@ private slots:
     void init()
     {
         clear_log();
-        for (const int id : {ID, int(MEMORY_UNITS)})
+        for (const int id : {ID, int(MEMORY_UNITS), int(MEMORY_CAL_TABLES)})
             withdraw_memory(id);
+    }
+    void initTestCase()
+    {
+        // Stands for whoever handles the signal in the program.
+        signal(SIGBUS, [](int) { _exit(43); });
     }
     void cleanupTestCase();
     void nothing_published_is_null();
@@ -103,7 +108,14 @@ private slots:
     void the_same_memory_keeps_its_address();
     void published_anew_it_is_another();
     void withdrawn_it_is_gone_but_mapped();
-    void survives_its_publisher();
+    void left_by_a_dead_publisher_it_counts_as_none();
+    void lives_with_another_memory();
+    void death_while_sampling_is_logged_once();
+    void memory_cut_short_is_survived_data();
+    void memory_cut_short_is_survived();
+    void faults_elsewhere_go_to_the_former_handler();
+    void count_beyond_the_records_leads_to_inactive_channels();
+    void former_run_time_tables_are_let_go();
     void new_memories_are_zero();
     void fill_runs_before_it_can_be_seen();
     void unsound_objects_are_refused_data();
@@ -132,7 +144,8 @@ void Memory::nothing_published_is_null()
 
 void Memory::published_by_another_process()
 {
-    QCOMPARE(in_child([] { return publish(12.5) != nullptr ? 0 : 1; }), 0);
+    LivingChild cell([] { return publish(12.5) != nullptr; });
+    QVERIFY(cell.done());
     const void *payload = get_shrd_mem(ID, 0);
     QVERIFY(payload != nullptr);
     QCOMPARE(value_of(payload), 12.5);
@@ -201,7 +214,8 @@ void Memory::published_anew_it_is_another()
 {
     QVERIFY(publish(1.0) != nullptr);
     const void *former = get_shrd_mem(ID, 0);
-    QCOMPARE(in_child([] { return publish(2.0, 4096) != nullptr ? 0 : 1; }), 0);
+    const LivingChild cell([] { return publish(2.0, 4096) != nullptr; });
+    QVERIFY(cell.done());
     const void *present = get_shrd_mem(ID, 0);
     QVERIFY(present != nullptr && present != former);
     QCOMPARE(value_of(former), 1.0);
@@ -221,17 +235,168 @@ void Memory::withdrawn_it_is_gone_but_mapped()
     QVERIFY(get_shrd_mem(ID, 0) != payload);
 }
 
-void Memory::survives_its_publisher()
+void Memory::left_by_a_dead_publisher_it_counts_as_none()
 {
-    QCOMPARE(in_child([] {
-                 publish(4.0);
-                 raise(SIGKILL);
-                 return 0;
-             }),
-             -1);
+    LivingChild cell([] { return publish(4.0) != nullptr; });
     const void *payload = get_shrd_mem(ID, 0);
     QVERIFY(payload != nullptr);
+    cell.kill();
+    QCOMPARE(objects(), QStringList(QStringLiteral("vornax.5")));
+    clear_log();
+    void *pointer = this;
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(get_shrd_mem(ID, 0) == nullptr);
+        QCOMPARE(link_to_memory(ID, &pointer), 0);
+    }
+    QCOMPARE(pointer, static_cast<void *>(this));
+    QCOMPARE(value_of(payload), 4.0); // who had it keeps it
+    QCOMPARE(log_lines().size(), 1);
+    QCOMPARE(log_entries().value(0).code, static_cast<int>(LOG_HOST_LOST));
+    QVERIFY(publish(5.0) != nullptr);
+    QCOMPARE(value_of(get_shrd_mem(ID, 0)), 5.0);
+}
+
+// As the run-time tables, which a program of the cell's publishes and ends.
+void Memory::lives_with_another_memory()
+{
+    LivingChild cell([] { return publish(4.0) != nullptr; });
+    QCOMPARE(in_child([] {
+                 return publish_memory(MEMORY_CAL_TABLES, 64, nullptr, nullptr, ID) != nullptr ? 0
+                                                                                               : 1;
+             }),
+             0);
+    QVERIFY(get_shrd_mem(MEMORY_CAL_TABLES, 0) != nullptr);
+    cell.kill();
+    QVERIFY(get_shrd_mem(MEMORY_CAL_TABLES, 0) == nullptr);
+}
+
+void Memory::death_while_sampling_is_logged_once()
+{
+    LivingChild cell([] { return publish(4.0) != nullptr; });
+    const void *payload = get_shrd_mem(ID, 0);
+    QVERIFY(payload != nullptr);
+    STAT_RECORD statistics = {};
+    FIFO_RECORD fifo = {};
+    const auto passes = [&] {
+        xy_acquire_from_fifo(&statistics, &fifo, &fifo);
+        return log_lines().size();
+    };
+    clear_log();
+    QCOMPARE(passes(), 0);
+    cell.kill();
+    QTRY_COMPARE_WITH_TIMEOUT(passes(), 1, 60000);
+    QVERIFY(log_entries()[0].text.find("the host is lost") == 0);
+    QVERIFY(get_shrd_mem(ID, 0) == nullptr);
+    QCOMPARE(log_lines().size(), 1);
     QCOMPARE(value_of(payload), 4.0);
+}
+
+void Memory::memory_cut_short_is_survived_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::addColumn<int>("left");
+    for (const int id : {1, 3, 5, 6, 31, 43}) {
+        for (const int left : {0, 64, 5000, 8192})
+            QTest::addRow("memory %d, %d bytes left", id, left) << id << left;
+    }
+}
+
+// What was there goes on to be read, and the host counts as lost.
+void Memory::memory_cut_short_is_survived()
+{
+    QFETCH(int, id);
+    QFETCH(int, left);
+    constexpr std::size_t size = 20000;
+    const auto fill = [](void *payload, void *) { memset(payload, 'k', size); };
+    void *own = publish_memory(id, size, fill, nullptr);
+    const auto *payload = static_cast<const char *>(get_shrd_mem(id, 0));
+    QVERIFY(own != nullptr && payload != nullptr);
+    clear_log();
+    char path[64];
+    snprintf(path, sizeof path, "/dev/shm/vornax.%d", id);
+    QCOMPARE(truncate(path, left), 0);
+    QCOMPARE(QByteArray(payload, size).size(), int(size)); // reads it all
+    memset(own, 'w', size);                                // the cell survives it as well
+    QVERIFY(get_shrd_mem(id, 0) == nullptr);
+    const QByteArray read(payload, size);
+    // Of the readings a page that is still there may have been written to.
+    for (int at = 0; at < read.size(); ++at)
+        QVERIFY(read[at] == 'k' || (read[at] == 'w' && at + 64 < left));
+    const QList<LogEntry> entries = log_entries();
+    QVERIFY(!entries.isEmpty());
+    QCOMPARE(entries[0].code, static_cast<int>(LOG_HOST_LOST));
+    QCOMPARE(entries[0].text,
+             "the host is lost: shared memory " + std::string(path + 8) + " was cut short");
+    const int told = entries.size();
+    watch_host();
+    QCOMPARE(log_lines().size(), told);
+    withdraw_memory(id);
+}
+
+void Memory::faults_elsewhere_go_to_the_former_handler()
+{
+    QVERIFY(publish(1.0) != nullptr);
+    QVERIFY(get_shrd_mem(ID, 0) != nullptr);
+    QCOMPARE(in_child([] {
+                 const int file = shm_open("/foreign", O_CREAT | O_RDWR, 0600);
+                 shm_unlink("/foreign");
+                 const void *base = mmap(nullptr, 4096, PROT_READ, MAP_SHARED, file, 0);
+                 return *static_cast<const volatile char *>(base) == 0 ? 1 : 2;
+             }),
+             43);
+}
+
+void Memory::count_beyond_the_records_leads_to_inactive_channels()
+{
+    constexpr int records = 26;
+    const auto activate = [](void *payload, void *) {
+        for (int n = 0; n < records; ++n)
+            static_cast<AI_REAL_RECORD *>(payload)[n].active = 1;
+    };
+    QVERIFY(publish_memory(MEMORY_AI_REAL, records * sizeof(AI_REAL_RECORD), activate, nullptr) !=
+            nullptr);
+    QVERIFY(publish(7.0, records * sizeof(MV_RECORD)) != nullptr);
+    auto *attributes = static_cast<SYS_ATTR_RECORD *>(
+        publish_memory(MEMORY_SYS_ATTR, sizeof(SYS_ATTR_RECORD), nullptr, nullptr));
+    QVERIFY(attributes != nullptr);
+    attributes->channel_count = records;
+    const auto *channels = static_cast<const AI_REAL_RECORD *>(get_shrd_mem(MEMORY_AI_REAL, 0));
+    const auto *readings = static_cast<const MV_RECORD *>(get_shrd_mem(ID, 0));
+    QVERIFY(channels != nullptr && readings != nullptr);
+    QVERIFY(get_shrd_mem(MEMORY_SYS_ATTR, 0) != nullptr);
+    QVERIFY(log_lines().isEmpty());
+    attributes->channel_count = 32767; // long after the memories were attached
+    int active = 0;
+    for (int n = 0; n < attributes->channel_count; ++n)
+        active += channels[n].active + (n < records || readings[n].mv == 0.0 ? 0 : 1);
+    QCOMPARE(active, records);
+    QVERIFY(get_shrd_mem(MEMORY_SYS_ATTR, 0) != nullptr);
+    QTRY_COMPARE_WITH_TIMEOUT((watch_host(), log_lines().size()), 1, 60000);
+    QVERIFY(log_entries()[0].text.find("channel_count is 32767, and shared memory /vornax.") == 0);
+    for (const int id : {int(MEMORY_AI_REAL), int(MEMORY_SYS_ATTR)})
+        withdraw_memory(id);
+}
+
+// Else a day of rebuilds would fill the address space.
+void Memory::former_run_time_tables_are_let_go()
+{
+    const void *former = nullptr;
+    for (char build = 1; build <= 20; ++build) {
+        const auto fill = [](void *payload, void *context) {
+            memset(payload, *static_cast<char *>(context), 167000);
+        };
+        const LivingChild cell(
+            [&] { return publish_memory(MEMORY_CAL_TABLES, 167000, fill, &build) != nullptr; });
+        const void *tables = get_shrd_mem(MEMORY_CAL_TABLES, 0);
+        QVERIFY(tables != nullptr);
+        QCOMPARE(static_cast<const char *>(tables)[166999], build);
+        if (former != nullptr)
+            QCOMPARE(static_cast<const char *>(former)[166999], char(build - 1));
+        former = tables;
+    }
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    QVERIFY(maps.readAll().count("/dev/shm/vornax.35") <= 2);
 }
 
 void Memory::new_memories_are_zero()
@@ -289,7 +454,7 @@ void Memory::unsound_objects_are_refused()
     QCOMPARE(link_to_memory(ID, &pointer), 0);
     QCOMPARE(pointer, static_cast<void *>(&bytes));
 
-    make_object(memory_bytes(header_of(8), 8));
+    QVERIFY(publish(1.0) != nullptr);
     QVERIFY(get_shrd_mem(ID, 0) != nullptr);
 }
 

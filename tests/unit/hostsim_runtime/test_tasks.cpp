@@ -29,6 +29,7 @@ private slots:
     void join_without_a_cell_is_admitted();
     void join_answers_as_the_cell_says_data();
     void join_answers_as_the_cell_says();
+    void join_after_the_cell_died_is_admitted();
     void join_with_a_short_memory_is_admitted();
     void authentication_failure_logs_and_exits();
 };
@@ -49,15 +50,29 @@ void Tasks::join_answers_as_the_cell_says_data()
 void Tasks::join_answers_as_the_cell_says()
 {
     QFETCH(int, answer);
-    const int published = in_child([&answer] {
+    const LivingChild cell([&answer] {
         const auto fill = [](void *payload, void *context) {
             static_cast<ControlRecord *>(payload)->join_answer = *static_cast<int *>(context);
         };
-        return publish_memory(MEMORY_CONTROL, sizeof(ControlRecord), fill, &answer) != nullptr ? 0
-                                                                                               : 1;
+        return publish_memory(MEMORY_CONTROL, sizeof(ControlRecord), fill, &answer) != nullptr;
     });
-    QCOMPARE(published, 0);
+    QVERIFY(cell.done());
     QCOMPARE(join_layer(3), answer);
+}
+
+// What a dead cell would have answered plays no part.
+void Tasks::join_after_the_cell_died_is_admitted()
+{
+    LivingChild cell([] {
+        const auto fill = [](void *payload, void *) {
+            static_cast<ControlRecord *>(payload)->join_answer = JOIN_REFUSED;
+        };
+        return publish_memory(MEMORY_CONTROL, sizeof(ControlRecord), fill, nullptr) != nullptr;
+    });
+    QVERIFY(cell.done());
+    QCOMPARE(join_layer(3), int(JOIN_REFUSED));
+    cell.kill();
+    QCOMPARE(join_layer(3), 0);
 }
 
 void Tasks::join_with_a_short_memory_is_admitted()
@@ -69,7 +84,8 @@ void Tasks::join_with_a_short_memory_is_admitted()
 void Tasks::authentication_failure_logs_and_exits()
 {
     QProcess refused;
-    refused.start(QStringLiteral("/proc/self/exe"), {QStringLiteral("tasks"), QStringLiteral(REFUSED)});
+    refused.start(QStringLiteral("/proc/self/exe"),
+                  {QStringLiteral("tasks"), QStringLiteral(REFUSED)});
     QVERIFY(refused.waitForFinished());
     QCOMPARE(refused.exitStatus(), QProcess::NormalExit);
     QCOMPARE(refused.exitCode(), 1);

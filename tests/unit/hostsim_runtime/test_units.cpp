@@ -73,6 +73,8 @@ private slots:
     void same_keyword_gives_the_same_bits();
     void unlike_keywords_pass_the_value_on_data();
     void unlike_keywords_pass_the_value_on();
+    void unit_not_chosen_yet_data();
+    void unit_not_chosen_yet();
     void dimensions_data();
     void dimensions();
     void numbers_that_are_none();
@@ -160,9 +162,7 @@ void UnitService::unlike_keywords_pass_the_value_on_data()
     QTest::newRow("unknown to known") << QByteArray("FURLONG") << QByteArray("PSI");
     QTest::newRow("known to unknown") << QByteArray("PSI") << QByteArray("FURLONG");
     QTest::newRow("unknown to itself") << QByteArray("FURLONG") << QByteArray("FURLONG");
-    QTest::newRow("empty to known") << QByteArray("") << QByteArray("PSI");
-    QTest::newRow("known to empty") << QByteArray("PSI") << QByteArray("");
-    QTest::newRow("empty to empty") << QByteArray("") << QByteArray("");
+    QTest::newRow("blanks") << QByteArray("   ") << QByteArray("PSI");
     QTest::newRow("the entry of an empty list") << QByteArray(" <empty>") << QByteArray("PSI");
     QTest::newRow("none to a fraction") << QByteArray("none") << QByteArray("FRAC");
     QTest::newRow("a fraction to none") << QByteArray("PCT") << QByteArray("none");
@@ -188,6 +188,32 @@ void UnitService::unlike_keywords_pass_the_value_on()
     QVERIFY(out == 0.3);
     QVERIFY((low16(units_dimension_check_key(from.constData(), to.constData()))) != 0);
     QCOMPARE(low16(units_dbl_keyword_convrt("PSI", nullptr, "kPa", 1.0)), FAILURE);
+}
+
+// An empty keyword is a unit that was not chosen yet, as in a channel that has
+// no table: it agrees with any, and there is nothing to convert by.
+void UnitService::unit_not_chosen_yet_data()
+{
+    QTest::addColumn<QByteArray>("a");
+    QTest::addColumn<QByteArray>("b");
+    QTest::newRow("empty and known") << QByteArray("") << QByteArray("PSI");
+    QTest::newRow("both empty") << QByteArray("") << QByteArray("");
+    QTest::newRow("empty and none") << QByteArray("") << QByteArray("none");
+    QTest::newRow("empty and unknown") << QByteArray("") << QByteArray("FURLONG");
+}
+
+void UnitService::unit_not_chosen_yet()
+{
+    QFETCH(QByteArray, a);
+    QFETCH(QByteArray, b);
+    QCOMPARE(units_dimension_check_key(a.constData(), b.constData()), 0);
+    QCOMPARE(units_dimension_check_key(b.constData(), a.constData()), 0);
+    QVERIFY(units_dimension_check_key(a.constData(), nullptr) != 0);
+    double out = 0.0;
+    QCOMPARE(low16(units_dbl_keyword_convrt(a.constData(), &out, b.constData(), 0.1)), FAILURE);
+    QVERIFY(out == 0.1);
+    QCOMPARE(low16(units_dbl_keyword_convrt(b.constData(), &out, a.constData(), 0.2)), FAILURE);
+    QVERIFY(out == 0.2);
 }
 
 void UnitService::dimensions_data()
@@ -360,9 +386,9 @@ void UnitService::without_the_database_nothing_converts()
     environment.insert(QStringLiteral("UNITS_DATABASE_GONE"), QStringLiteral("1"));
     environment.insert(QStringLiteral("UDUNITS2_XML_PATH"), QStringLiteral("/nowhere/units.xml"));
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral("/proc/self/exe"),
-                  {QStringLiteral("units"),
-                   QStringLiteral("without_the_database_nothing_converts")});
+    process.start(
+        QStringLiteral("/proc/self/exe"),
+        {QStringLiteral("units"), QStringLiteral("without_the_database_nothing_converts")});
     QVERIFY(process.waitForFinished());
     const QByteArray output = process.readAllStandardOutput();
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,

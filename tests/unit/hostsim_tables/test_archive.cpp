@@ -12,8 +12,8 @@
 #include "hostsim/runtime/archivesearch.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
-#include "tablefixture.h"
 #include "support/testmain.h"
+#include "tablefixture.h"
 
 using namespace hostsim;
 using namespace tablefixture;
@@ -37,6 +37,7 @@ private slots:
     void damage_is_passed_over_data();
     void damage_is_passed_over();
     void damage_is_logged_once_with_file_and_line();
+    void other_damage_at_the_same_place_is_logged_too();
     void records_out_of_their_limits_are_passed_over();
     void damaged_evidence_is_logged();
     void every_truncation_keeps_the_records_before();
@@ -179,7 +180,9 @@ void TestArchive::damage_is_passed_over_data()
     QTest::newRow("torn tail with a record joined to it")
         << one + archived(7, "torn").left(500) + two << QByteArray("two") << 0;
     QTest::newRow("value changed") << one + changed << QByteArray("one") << 1;
-    QTest::newRow("two damaged") << one + changed + changed << QByteArray("one") << 2;
+    QTest::newRow("two damaged") << one + QByteArray(changed).replace("100.3", "100.5") +
+                                        QByteArray(changed).replace("100.3", "100.5")
+                                 << QByteArray("one") << 2;
     QTest::newRow("rubbish behind") << one + two + "rubbish" << QByteArray("two") << 1;
     QTest::newRow("zeros behind") << one + two + QByteArray(4096, '\0') << QByteArray("two") << 1;
     QTest::newRow("rubbish alone") << QByteArray("rubbish\nrubbish\n") << QByteArray() << 1;
@@ -206,7 +209,7 @@ void TestArchive::damage_is_passed_over()
 void TestArchive::damage_is_logged_once_with_file_and_line()
 {
     const QByteArray one = archived(7, "one");
-    const QByteArray torn = archived(7, "two").left(500);
+    const QByteArray torn = archived(7, "logged once").left(500);
     write_file(SAVE, one + torn);
     const HostLog log;
     QCOMPARE(delivered(), QByteArray("one"));
@@ -215,6 +218,30 @@ void TestArchive::damage_is_logged_once_with_file_and_line()
     QCOMPARE(log.texts(), QStringList(QString(SAVE) + ":" + line +
                                       ": damaged record passed over: the block is cut short"));
     QCOMPARE(log.entries().first().severity, 1);
+}
+
+// Some file systems hand a freed inode number out again at once, so a new file
+// may stand at the former's path with all its numbers.
+void TestArchive::other_damage_at_the_same_place_is_logged_too()
+{
+    const QByteArray one = archived(7, "one");
+    QByteArray first = archived(7, "another");
+    first.replace("100.1", "100.3");
+    QByteArray second = archived(7, "another");
+    second.replace("100.1", "100.4");
+    const HostLog log;
+    write_file(SAVE, one + first);
+    QCOMPARE(delivered(), QByteArray("one"));
+    QCOMPARE(log.texts().size(), 1);
+    write_file(SAVE, one + second);
+    QCOMPARE(delivered(), QByteArray("one"));
+    QCOMPARE(log.texts().size(), 2);
+    // Neither is told of once more.
+    for (const QByteArray &damaged : {first, second}) {
+        write_file(SAVE, one + damaged);
+        QCOMPARE(delivered(), QByteArray("one"));
+    }
+    QCOMPARE(log.texts().size(), 2);
 }
 
 void TestArchive::records_out_of_their_limits_are_passed_over()
@@ -370,7 +397,11 @@ void TestArchive::a_lock_that_is_kept_does_not_hang()
     QFile file(SAVE);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(flock(file.handle(), LOCK_EX), 0);
+    const HostLog log;
     QCOMPARE(delivered(), QByteArray("one"));
+    QCOMPARE(log.count(QString(SAVE) + ": read without a lock: "
+                                       "another process keeps the archive locked"),
+             1);
 }
 
 void TestArchive::reading_while_another_process_adds()

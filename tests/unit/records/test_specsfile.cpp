@@ -44,6 +44,8 @@ private slots:
     void file_is_read();
     void empty_file();
     void names_without_the_keyword_of_the_list();
+    void keywords_missing_beside_that_of_the_list_data();
+    void keywords_missing_beside_that_of_the_list();
     void no_file();
     void at_most_25_addresses_data();
     void at_most_25_addresses();
@@ -183,6 +185,34 @@ void SpecsFile::names_without_the_keyword_of_the_list()
     // What stands behind the humidity is read on as addresses.
     QCOMPARE(read(NAMES + "x\ny\n@Z\n"),
              (QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "CELL_HUM", "x", "y"}));
+}
+
+void SpecsFile::keywords_missing_beside_that_of_the_list_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QList<QByteArray>>("texts");
+    const QByteArray temperature = "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n";
+    const QByteArray barometer = "@BAROMETER_KEYWORD\nCELL_BARO\n";
+    QTest::newRow("the humidity's: the barometer's line is the address")
+        << temperature + barometer << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "", "CELL_BARO"};
+    QTest::newRow("the humidity's, with lines behind")
+        << temperature + barometer + "x\ny\n@Z\nz\n"
+        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "", "CELL_BARO", "x", "y"};
+    QTest::newRow("the humidity's and the barometer's: the temperature's line")
+        << temperature << QList<QByteArray>{"CELL_TEMP", "", "", "CELL_TEMP"};
+    QTest::newRow("the temperature's and the humidity's: the barometer's line")
+        << barometer << QList<QByteArray>{"", "CELL_BARO", "", "CELL_BARO"};
+    QTest::newRow("all: an empty text, then the file from its begin")
+        << QByteArray("x\ny\n") << QList<QByteArray>{"", "", "", "", "x", "y"};
+}
+
+void SpecsFile::keywords_missing_beside_that_of_the_list()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QList<QByteArray>, texts);
+    qstrncpy(m_specs.humidity_var_name, "before", 80);
+    QCOMPARE(read(content), texts);
+    QCOMPARE(m_log.texts(), QStringList{NO_KEYWORD});
 }
 
 void SpecsFile::no_file()

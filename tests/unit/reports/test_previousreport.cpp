@@ -52,6 +52,11 @@ void PreviousReportPath::day_is_the_local_one_data()
         << Q_INT64_C(1709632799) << QByteArray("03052024");
     QTest::newRow("first second of the local day")
         << Q_INT64_C(1709632800) << QByteArray("03062024");
+    QTest::newRow("the last second of 31 bits") << Q_INT64_C(0x7fffffff) << QByteArray("01192038");
+    QTest::newRow("the first of 32 bits") << Q_INT64_C(0x80000000) << QByteArray("01192038");
+    QTest::newRow("the last of 32 bits") << Q_INT64_C(0xffffffff) << QByteArray("02072106");
+    QTest::newRow("beyond 32 bits begins anew") << Q_INT64_C(0x100000000) << QByteArray("01011970");
+    QTest::newRow("before the epoch") << Q_INT64_C(-1) << QByteArray("02072106");
 }
 
 void PreviousReportPath::day_is_the_local_one()
