@@ -3,6 +3,7 @@
 
 #include <QStandardItemModel>
 
+#include "acquisition/pointinfo.h"
 #include "frame/mainwindow.h"
 #include "support/windowform.h"
 
