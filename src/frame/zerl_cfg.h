@@ -8,6 +8,7 @@
 //
 // Threads: the GUI thread writes the record; the monitor thread writes only
 // live_mv, live_eu, monitor_pass_done and g_sample, under the table mutex.
+// What a pass reads is written under that mutex too, or whole (frame/relaxed.h).
 #ifndef FRAME_ZERL_CFG_H
 #define FRAME_ZERL_CFG_H
 

@@ -228,6 +228,7 @@ void DecisionTails::names_go_into_the_record()
 }
 
 // The scale that was set takes effect with the replot, and is given up behind it.
+// A tick that is worked off behind the decision would replot once more.
 void DecisionTails::plot_is_replotted_then_scaled_by_itself()
 {
     QFETCH(bool, adjust);
@@ -241,7 +242,12 @@ void DecisionTails::plot_is_replotted_then_scaled_by_itself()
         QVERIFY(plot->axisScaleDiv(axis).lowerBound() != -7.0);
         QVERIFY(!plot->axisAutoScale(axis));
     }
+    MainWindow *const window = m_it->it.window;
+    disconnect(window->monitor(), &monitorThread::plotInfo, window, nullptr);
+    QCoreApplication::removePostedEvents(window, QEvent::MetaCall);
     press(adjust);
+    connect(window->monitor(), SIGNAL(plotInfo(ZERL_CFG *)), window,
+            SLOT(draw_plots_info(ZERL_CFG *)));
     for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
         QCOMPARE(plot->axisScaleDiv(axis).lowerBound(), -7.0);
         QVERIFY(plot->axisAutoScale(axis));
