@@ -18,6 +18,7 @@
 
 #include "host/operations.h"
 #include "hostsim/runtime/tablefile.h"
+#include "support/testmain.h"
 #include "walk/memoryuse.h"
 #include "walk/walker.h"
 
@@ -266,7 +267,7 @@ void Walk::window_record_and_files_agree_with_the_model_after_every_step()
         every_question_was_met(walker);
 }
 
-int main(int argc, char **argv)
+static int run(int argc, char **argv)
 {
     const auto from_environment = [](const char *name, long long otherwise) {
         const QByteArray text = qgetenv(name);
@@ -302,5 +303,6 @@ int main(int argc, char **argv)
     Walk test;
     return QTest::qExec(&test, rest);
 }
+TEST_WITH_MAIN(run);
 
 #include "walk.moc"

@@ -233,12 +233,9 @@ void Catalogue::no_keyword_hides_behind_its_longer_one()
 
 void Catalogue::published_for_other_processes()
 {
-    QCOMPARE(in_child([] {
-                 return publish_unit_catalogue("FURLONG 900 length 201.168 m\nm 901 length m\n")
-                            ? 0
-                            : 1;
-             }),
-             0);
+    const LivingChild cell(
+        [] { return publish_unit_catalogue("FURLONG 900 length 201.168 m\nm 901 length m\n"); });
+    QVERIFY(cell.done());
     void *address = nullptr;
     QVERIFY(link_to_memory(43, &address) != 0);
     QCOMPARE(Unit_mem[0].keyword, "FURLONG");
