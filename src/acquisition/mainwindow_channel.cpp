@@ -89,14 +89,14 @@ bool MainWindow::may_leave_channel()
 {
     switch (first_unfinished(this, g_cfg)) {
     case Unfinished::Points:
-        if (ask_question(this, QUESTION_L1))
+        if (ask_question(this, QuestionMark::L1))
             return true;
         recount_captured_rows();
         return false;
     case Unfinished::Calibration:
-        return ask_question(this, QUESTION_L2);
+        return ask_question(this, QuestionMark::L2);
     case Unfinished::Table:
-        return ask_question(this, QUESTION_L3);
+        return ask_question(this, QuestionMark::L3);
     case Unfinished::Nothing:
         break;
     }

@@ -36,7 +36,7 @@ void MainWindow::on_txtNumPoints_returnPressed()
     if (end_decided())
         return;
     if (!check_num_points()) {
-        ask_question(this, QUESTION_INVALID_POINTS);
+        ask_question(this, QuestionMark::InvalidPoints);
         if (end_decided())
             return;
         ui->txtNumPoints->clear();
@@ -102,7 +102,7 @@ void MainWindow::on_txtAveragingTime_editingFinished()
     const long seconds = ui->txtAveragingTime->text().toLong();
     if (seconds < MIN_AVERAGING_S || seconds > MAX_AVERAGING_S) {
         const QSignalBlocker blocker(ui->txtAveragingTime);
-        ask_question(this, QUESTION_AVERAGING_TIME);
+        ask_question(this, QuestionMark::AveragingTime);
         if (end_decided())
             return;
         ui->txtAveragingTime->setText(QStringLiteral("10"));

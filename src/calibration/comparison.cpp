@@ -21,11 +21,11 @@ double line_at_point(const LONG_TABLE &fit, const LONG_TABLE &table, int index)
 
 } // namespace
 
-COMPARISON compare_point(const LONG_TABLE &current, const LONG_TABLE &previous,
-                         const LONG_TABLE &fit, int index)
+CurveComparison compare_point(const LONG_TABLE &current, const LONG_TABLE &previous,
+                              const LONG_TABLE &fit, int index)
 {
     const double mv = current.x[index];
-    COMPARISON result = {};
+    CurveComparison result = {};
     result.current = current.y[index];
     result.straight_line = line_at_point(fit, current, index);
     result.current_to_straight_line = std::fabs(current.y[index] - result.straight_line);

@@ -8,7 +8,7 @@
 #include "frame/zerl_cfg.h"
 
 // All in engineering units.
-struct COMPARISON {
+struct CurveComparison {
     double current;       // the point's reference value
     double previous;      // the previous calibration's at the same index, whatever its mV
     double straight_line; // the line at the point's mV
@@ -20,7 +20,7 @@ struct COMPARISON {
 // Point `index`, 0 to 63. Current and previous calibration are both read at the
 // point's mV, so that points at different mV compare properly. Behind the last
 // point of a calibration the straight line counts as 0.
-COMPARISON compare_point(const LONG_TABLE &current, const LONG_TABLE &previous,
-                         const LONG_TABLE &fit, int index);
+CurveComparison compare_point(const LONG_TABLE &current, const LONG_TABLE &previous,
+                              const LONG_TABLE &fit, int index);
 
 #endif

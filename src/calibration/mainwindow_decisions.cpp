@@ -15,9 +15,9 @@
 namespace
 {
 
-void paint_box(QLineEdit *box, BOX_COLOUR colour)
+void paint_box(QLineEdit *box, BoxColour colour)
 {
-    if (colour != BOX_KEEPS)
+    if (colour != BoxColour::Keeps)
         box->setStyleSheet(QLatin1String(status_style(static_cast<uint16_t>(colour))));
 }
 
@@ -37,13 +37,14 @@ void MainWindow::decide(bool adjust)
 {
     compute_worst_status(this);
     const TABLE_RECORD &table = g_cfg->table;
-    const DECISION &decision = adjust ? adjust_decision(table.last_save_type, table.worst_status)
-                                      : reuse_decision(table.last_save_type, table.worst_status);
+    const ProcessDecision &decision =
+        adjust ? adjust_decision(table.last_save_type, table.worst_status)
+               : reuse_decision(table.last_save_type, table.worst_status);
     if (!ask_question(this, decision.asked))
         return;
     paint_box(ui->txtAdjustCalibration, decision.table_updated);
     paint_box(ui->txtAfterService, decision.after_service);
-    if (decision.after_service != BOX_KEEPS) {
+    if (decision.after_service != BoxColour::Keeps) {
         ui->txtAfterService->setText(QStringLiteral("N/A"));
         copy_text(g_ws_block->after_service_time, ui->txtAfterService->text());
     }

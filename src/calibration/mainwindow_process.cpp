@@ -30,11 +30,11 @@ bool MainWindow::may_exit()
 {
     switch (first_unfinished(this, g_cfg != nullptr ? g_cfg : get_cfg_pointer())) {
     case Unfinished::Points:
-        return ask_question(this, QUESTION_G1);
+        return ask_question(this, QuestionMark::G1);
     case Unfinished::Calibration:
-        return ask_question(this, QUESTION_G2);
+        return ask_question(this, QuestionMark::G2);
     case Unfinished::Table:
-        return ask_question(this, QUESTION_G3);
+        return ask_question(this, QuestionMark::G3);
     case Unfinished::Nothing:
         break;
     }

@@ -40,7 +40,7 @@ void MainWindow::on_btnRecordData_clicked()
 {
     clear_next_step();
     if (ui->txtTechnicianName->text().isEmpty() || ui->txtCalibrationQIE->text().isEmpty()) {
-        ask_question(this, QUESTION_R1);
+        ask_question(this, QuestionMark::R1);
         return;
     }
     g_captured_points = 0;
@@ -48,7 +48,7 @@ void MainWindow::on_btnRecordData_clicked()
         if (row(i)->caption().contains(QLatin1String("Undo")))
             ++g_captured_points;
     }
-    if (g_captured_points != g_num_points && !ask_question(this, QUESTION_R2))
+    if (g_captured_points != g_num_points && !ask_question(this, QuestionMark::R2))
         return;
     const uint16_t as_found_done = ui->txtAsFound->text().isEmpty() ? 0 : 1;
     compute_worst_status(this);
@@ -86,7 +86,7 @@ void MainWindow::show_recorded_status(QLineEdit *box, int32_t save_type)
 {
     const uint16_t worst = g_cfg->table.worst_status;
     box->setStyleSheet(QLatin1String(status_style(worst)));
-    const RECORDING_ADVICE *advice = recording_advice(save_type, worst);
+    const RecordingAdvice *advice = recording_advice(save_type, worst);
     if (advice == nullptr)
         return;
     ui->btnReuseCalibration->setStyleSheet(QLatin1String(advice->reuse_style));
@@ -100,7 +100,7 @@ void MainWindow::record_as_found()
     const DecisionFlags flags = enable_decisions();
     // Both boxes, although the question says "or".
     if (!ui->txtAfterService->text().isEmpty() && !ui->txtAdjustCalibration->text().isEmpty()) {
-        if (!ask_question(this, QUESTION_D1)) {
+        if (!ask_question(this, QuestionMark::D1)) {
             restore_decisions(flags);
             return;
         }
@@ -121,7 +121,7 @@ void MainWindow::record_after_service()
         ui->txtAsFound->setText(QStringLiteral("N/A"));
         copy_text(g_ws_block->as_found_time, ui->txtAsFound->text());
     } else if (!ui->txtAdjustCalibration->text().isEmpty()) {
-        if (!ask_question(this, QUESTION_D2)) {
+        if (!ask_question(this, QuestionMark::D2)) {
             restore_decisions(flags);
             return;
         }
@@ -136,7 +136,7 @@ void MainWindow::record_after_service()
 void MainWindow::record_verification()
 {
     const DecisionFlags flags = enable_decisions();
-    if (ui->txtAdjustCalibration->text().isEmpty() && !ask_question(this, QUESTION_D3)) {
+    if (ui->txtAdjustCalibration->text().isEmpty() && !ask_question(this, QuestionMark::D3)) {
         restore_decisions(flags);
         return;
     }

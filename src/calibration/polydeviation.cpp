@@ -4,9 +4,9 @@
 #include "calibration/tableload.h"
 #include "host/operations.h"
 
-POLY_DEVIATION deviation_of(const POINT_STATISTICS &point, const POLY_RANGE_RECORD &range)
+PointDeviation deviation_of(const POINT_STATISTICS &point, const POLY_RANGE_RECORD &range)
 {
-    POLY_DEVIATION result = {};
+    PointDeviation result = {};
     result.x = point.mv_mean;
     result.y = point.eu_mean;
     double coeffs[MAX_POINTS] = {};

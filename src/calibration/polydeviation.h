@@ -6,7 +6,7 @@
 
 #include "frame/zerl_cfg.h"
 
-struct POLY_DEVIATION {
+struct PointDeviation {
     double x;         // measured mean, mV
     double y;         // measured mean, engineering units
     double computed;  // the polynomial at x, engineering units
@@ -16,7 +16,7 @@ struct POLY_DEVIATION {
 // A captured point against the range's polynomial; without coefficients that is
 // 0. A count beyond the 18 that a range holds goes on into its x values, as
 // load_coefficients tells.
-POLY_DEVIATION deviation_of(const POINT_STATISTICS &point, const POLY_RANGE_RECORD &range);
+PointDeviation deviation_of(const POINT_STATISTICS &point, const POLY_RANGE_RECORD &range);
 
 // r squared of the polynomial in work over the points of long_current, with the
 // measured engineering values for x and the millivolts for y: the host is given

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "calibration/processtables.h"
 
+#include <cstddef>
+
 #include "host/tablerecord.h"
 #include "window/styles.h"
 
@@ -14,100 +16,100 @@ constexpr char ADJUST_TITLE[] = "Adjust Calibration?";
 constexpr char REUSE_TITLE[] = "Re-Use Calibration?";
 
 // clang-format off
-constexpr QUESTION QUESTIONS[QUESTION_COUNT] = {
-    {QUESTION_NONE, "", "", BUTTONS_OK},
-    {QUESTION_R1, "Information",
-     "Please enter the Technician Name and Working Standard before Recording data.", BUTTONS_OK},
-    {QUESTION_R2, "Warning",
+constexpr ProcessQuestion QUESTIONS[static_cast<std::size_t>(QuestionMark::Count)] = {
+    {QuestionMark::None, "", "", QuestionButtons::Ok},
+    {QuestionMark::R1, "Information",
+     "Please enter the Technician Name and Working Standard before Recording data.", QuestionButtons::Ok},
+    {QuestionMark::R2, "Warning",
      "You have attempted to Record Data without all points being captured\n\n"
-     "Are you sure you want to Record the data?", BUTTONS_YES_NO},
-    {QUESTION_R3, "Duplicate As-Found Data",
+     "Are you sure you want to Record the data?", QuestionButtons::YesNo},
+    {QuestionMark::R3, "Duplicate As-Found Data",
      "Please describe why As-Found data is being\ncollected again in the description box",
-     BUTTONS_OK},
-    {QUESTION_R4, "Service Description",
-     "Please describe the service\nperformed in the description box", BUTTONS_OK},
-    {QUESTION_D1, "Warning",
+     QuestionButtons::Ok},
+    {QuestionMark::R4, "Service Description",
+     "Please describe the service\nperformed in the description box", QuestionButtons::Ok},
+    {QuestionMark::D1, "Warning",
      "This channel has already been serviced or adjusted.\n\n"
-     "Are you sure you want to record this as As-Found data?", BUTTONS_YES_NO},
-    {QUESTION_D2, "Warning",
+     "Are you sure you want to record this as As-Found data?", QuestionButtons::YesNo},
+    {QuestionMark::D2, "Warning",
      "This channel has already been adjusted.\n\n"
-     "Are you sure you want to record this as After-Service data?", BUTTONS_OK_CANCEL},
-    {QUESTION_D3, "Warning",
+     "Are you sure you want to record this as After-Service data?", QuestionButtons::OkCancel},
+    {QuestionMark::D3, "Warning",
      "No adjustment has been made.\n\n"
-     "Are you sure you want to record this as Verification data?", BUTTONS_YES_NO},
-    {QUESTION_Q1, ADJUST_TITLE,
+     "Are you sure you want to record this as Verification data?", QuestionButtons::YesNo},
+    {QuestionMark::Q1, ADJUST_TITLE,
      "Data shows that this channel does not require adjustment.\n\n"
-     "Do you want to adjust anyway?", BUTTONS_YES_NO},
-    {QUESTION_Q2, ADJUST_TITLE,
+     "Do you want to adjust anyway?", QuestionButtons::YesNo},
+    {QuestionMark::Q2, ADJUST_TITLE,
      "Data shows that this channel needs service.\n\n"
-     "Do you want to adjust the calibration anyway?", BUTTONS_YES_NO},
-    {QUESTION_Q3, REUSE_TITLE,
+     "Do you want to adjust the calibration anyway?", QuestionButtons::YesNo},
+    {QuestionMark::Q3, REUSE_TITLE,
      "Data shows that this channel needs to be adjusted.\n\n"
-     "Do you want to re-use last calibration anyway?", BUTTONS_YES_NO},
-    {QUESTION_Q4, REUSE_TITLE,
+     "Do you want to re-use last calibration anyway?", QuestionButtons::YesNo},
+    {QuestionMark::Q4, REUSE_TITLE,
      "Data shows that this channel needs service.\n\n"
-     "Do you want to re-use last calibration anyway?", BUTTONS_YES_NO},
-    {QUESTION_Q5, ADJUST_TITLE,
+     "Do you want to re-use last calibration anyway?", QuestionButtons::YesNo},
+    {QuestionMark::Q5, ADJUST_TITLE,
      "This data was collected as verification, not for calibration.\n\n"
-     "Do you want to adjust anyway?", BUTTONS_YES_NO},
-    {QUESTION_Q6, ADJUST_TITLE,
+     "Do you want to adjust anyway?", QuestionButtons::YesNo},
+    {QuestionMark::Q6, ADJUST_TITLE,
      "This data was collected as verification, not for calibration.\n\n"
-     "Do you want to update cal anyway?", BUTTONS_YES_NO},
-    {QUESTION_G1, CAPTURED_NOT_RECORDED,
+     "Do you want to update cal anyway?", QuestionButtons::YesNo},
+    {QuestionMark::G1, CAPTURED_NOT_RECORDED,
      "Captured points have not been recorded.\n\n"
-     "Click OK to exit anyway or Cancel to return and record data.", BUTTONS_OK_CANCEL},
-    {QUESTION_G2, INCOMPLETE,
+     "Click OK to exit anyway or Cancel to return and record data.", QuestionButtons::OkCancel},
+    {QuestionMark::G2, INCOMPLETE,
      "The calibration is incomplete.\n\n"
      "Click OK to exit anyway or Cancel to return and complete the calibration.",
-     BUTTONS_OK_CANCEL},
-    {QUESTION_G3, MODIFIED,
+     QuestionButtons::OkCancel},
+    {QuestionMark::G3, MODIFIED,
      "The table information has been modified and will not be saved without updating the "
      "calibration table.\n\n"
      "Click OK to exit anyway or Cancel to return and update the calibration.",
-     BUTTONS_OK_CANCEL},
-    {QUESTION_L1, CAPTURED_NOT_RECORDED,
+     QuestionButtons::OkCancel},
+    {QuestionMark::L1, CAPTURED_NOT_RECORDED,
      "Captured points have not been recorded.\n\n"
      "Click OK to leave this channel anyway or Cancel to return and record data.",
-     BUTTONS_OK_CANCEL},
-    {QUESTION_L2, INCOMPLETE,
+     QuestionButtons::OkCancel},
+    {QuestionMark::L2, INCOMPLETE,
      "The calibration is incomplete.\n\n"
      "Click OK to leave this channel anyway or Cancel to return and complete the calibration.",
-     BUTTONS_OK_CANCEL},
-    {QUESTION_L3, MODIFIED,
+     QuestionButtons::OkCancel},
+    {QuestionMark::L3, MODIFIED,
      "The table information has been modified and will not be saved without updating the "
      "calibration table.\n\n"
      "Click OK to leave this channel anyway or Cancel to return and update the calibration.",
-     BUTTONS_OK_CANCEL},
-    {QUESTION_INVALID_POINTS, "Invalid Calibration Points",
+     QuestionButtons::OkCancel},
+    {QuestionMark::InvalidPoints, "Invalid Calibration Points",
      "A invalid value for Calibration Points was entered\n\n"
-     "Please reenter a Calibration Points value between 2 and 64", BUTTONS_OK},
-    {QUESTION_AVERAGING_TIME, "Wrong Value Entered",
-     "The entered Averaging Time must be between 5 and 30 seconds", BUTTONS_OK},
+     "Please reenter a Calibration Points value between 2 and 64", QuestionButtons::Ok},
+    {QuestionMark::AveragingTime, "Wrong Value Entered",
+     "The entered Averaging Time must be between 5 and 30 seconds", QuestionButtons::Ok},
 };
 
 // The two tables are deliberately not mirror images.
-constexpr DECISION ADJUST_DECISIONS[] = {
-    {SAVE_AS_FOUND,      0, 0, QUESTION_Q1,   BOX_GREEN,  BOX_GREEN},
-    {SAVE_AS_FOUND,      1, 1, QUESTION_NONE, BOX_GREEN,  BOX_GREEN},
-    {SAVE_AS_FOUND,      2, 3, QUESTION_Q2,   BOX_RED,    BOX_GREEN},
-    {SAVE_AFTER_SERVICE, 0, 3, QUESTION_NONE, BOX_GREEN,  BOX_KEEPS},
-    {SAVE_VERIFICATION,  0, 3, QUESTION_Q5,   BOX_GREEN,  BOX_KEEPS},
+constexpr ProcessDecision ADJUST_DECISIONS[] = {
+    {SAVE_AS_FOUND,      0, 0, QuestionMark::Q1,   BoxColour::Green,  BoxColour::Green},
+    {SAVE_AS_FOUND,      1, 1, QuestionMark::None, BoxColour::Green,  BoxColour::Green},
+    {SAVE_AS_FOUND,      2, 3, QuestionMark::Q2,   BoxColour::Red,    BoxColour::Green},
+    {SAVE_AFTER_SERVICE, 0, 3, QuestionMark::None, BoxColour::Green,  BoxColour::Keeps},
+    {SAVE_VERIFICATION,  0, 3, QuestionMark::Q5,   BoxColour::Green,  BoxColour::Keeps},
 };
 
-constexpr DECISION REUSE_DECISIONS[] = {
-    {SAVE_AS_FOUND,      0, 0, QUESTION_NONE, BOX_GREEN,  BOX_GREEN},
-    {SAVE_AS_FOUND,      1, 1, QUESTION_Q3,   BOX_YELLOW, BOX_YELLOW},
-    {SAVE_AS_FOUND,      2, 3, QUESTION_Q4,   BOX_RED,    BOX_RED},
-    {SAVE_AFTER_SERVICE, 0, 0, QUESTION_NONE, BOX_GREEN,  BOX_KEEPS},
-    {SAVE_AFTER_SERVICE, 1, 1, QUESTION_Q3,   BOX_YELLOW, BOX_KEEPS},
-    {SAVE_AFTER_SERVICE, 2, 3, QUESTION_Q4,   BOX_RED,    BOX_KEEPS},
-    {SAVE_VERIFICATION,  0, 0, QUESTION_Q6,   BOX_GREEN,  BOX_KEEPS},
-    {SAVE_VERIFICATION,  1, 3, QUESTION_Q5,   BOX_GREEN,  BOX_KEEPS},
+constexpr ProcessDecision REUSE_DECISIONS[] = {
+    {SAVE_AS_FOUND,      0, 0, QuestionMark::None, BoxColour::Green,  BoxColour::Green},
+    {SAVE_AS_FOUND,      1, 1, QuestionMark::Q3,   BoxColour::Yellow, BoxColour::Yellow},
+    {SAVE_AS_FOUND,      2, 3, QuestionMark::Q4,   BoxColour::Red,    BoxColour::Red},
+    {SAVE_AFTER_SERVICE, 0, 0, QuestionMark::None, BoxColour::Green,  BoxColour::Keeps},
+    {SAVE_AFTER_SERVICE, 1, 1, QuestionMark::Q3,   BoxColour::Yellow, BoxColour::Keeps},
+    {SAVE_AFTER_SERVICE, 2, 3, QuestionMark::Q4,   BoxColour::Red,    BoxColour::Keeps},
+    {SAVE_VERIFICATION,  0, 0, QuestionMark::Q6,   BoxColour::Green,  BoxColour::Keeps},
+    {SAVE_VERIFICATION,  1, 3, QuestionMark::Q5,   BoxColour::Green,  BoxColour::Keeps},
 };
 
-constexpr DECISION NO_DECISION = {0, 0, 0, QUESTION_NONE, BOX_KEEPS, BOX_KEEPS};
+constexpr ProcessDecision NO_DECISION = {0, 0, 0, QuestionMark::None, BoxColour::Keeps, BoxColour::Keeps};
 
-constexpr RECORDING_ADVICE RECORDING_ADVICES[] = {
+constexpr RecordingAdvice RECORDING_ADVICES[] = {
     {SAVE_AS_FOUND,      0, 0, STYLE_READY, STYLE_IDLE,    nullptr},
     {SAVE_AS_FOUND,      1, 1, STYLE_IDLE,  STYLE_READY,   nullptr},
     {SAVE_AS_FOUND,      2, 3, STYLE_IDLE,  STYLE_IDLE,
@@ -138,26 +140,26 @@ const Row *find_row(const Row (&rows)[Count], Type Row::*type, Type wanted, uint
 
 } // namespace
 
-const QUESTION &question(QUESTION_MARK mark)
+const ProcessQuestion &question(QuestionMark mark)
 {
-    return QUESTIONS[mark];
+    return QUESTIONS[static_cast<std::size_t>(mark)];
 }
 
-const DECISION &adjust_decision(uint16_t last_save_type, uint16_t worst_status)
+const ProcessDecision &adjust_decision(uint16_t last_save_type, uint16_t worst_status)
 {
-    const DECISION *row =
-        find_row(ADJUST_DECISIONS, &DECISION::last_save_type, last_save_type, worst_status);
+    const ProcessDecision *row =
+        find_row(ADJUST_DECISIONS, &ProcessDecision::last_save_type, last_save_type, worst_status);
     return row != nullptr ? *row : NO_DECISION;
 }
 
-const DECISION &reuse_decision(uint16_t last_save_type, uint16_t worst_status)
+const ProcessDecision &reuse_decision(uint16_t last_save_type, uint16_t worst_status)
 {
-    const DECISION *row =
-        find_row(REUSE_DECISIONS, &DECISION::last_save_type, last_save_type, worst_status);
+    const ProcessDecision *row =
+        find_row(REUSE_DECISIONS, &ProcessDecision::last_save_type, last_save_type, worst_status);
     return row != nullptr ? *row : NO_DECISION;
 }
 
-const RECORDING_ADVICE *recording_advice(int32_t save_type, uint16_t worst_status)
+const RecordingAdvice *recording_advice(int32_t save_type, uint16_t worst_status)
 {
-    return find_row(RECORDING_ADVICES, &RECORDING_ADVICE::save_type, save_type, worst_status);
+    return find_row(RECORDING_ADVICES, &RecordingAdvice::save_type, save_type, worst_status);
 }

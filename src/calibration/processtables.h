@@ -7,65 +7,65 @@
 
 #include <cstdint>
 
-enum QUESTION_MARK {
-    QUESTION_NONE,
-    QUESTION_R1,
-    QUESTION_R2,
-    QUESTION_R3,
-    QUESTION_R4,
-    QUESTION_D1,
-    QUESTION_D2,
-    QUESTION_D3,
-    QUESTION_Q1,
-    QUESTION_Q2,
-    QUESTION_Q3,
-    QUESTION_Q4,
-    QUESTION_Q5,
-    QUESTION_Q6,
-    QUESTION_G1,
-    QUESTION_G2,
-    QUESTION_G3,
-    QUESTION_L1,
-    QUESTION_L2,
-    QUESTION_L3,
-    QUESTION_INVALID_POINTS,
-    QUESTION_AVERAGING_TIME,
-    QUESTION_COUNT
+enum class QuestionMark {
+    None,
+    R1,
+    R2,
+    R3,
+    R4,
+    D1,
+    D2,
+    D3,
+    Q1,
+    Q2,
+    Q3,
+    Q4,
+    Q5,
+    Q6,
+    G1,
+    G2,
+    G3,
+    L1,
+    L2,
+    L3,
+    InvalidPoints,
+    AveragingTime,
+    Count
 };
 
 // OK alone; Yes and No with No as default; OK and Cancel with Cancel as default.
-enum QUESTION_BUTTONS { BUTTONS_OK, BUTTONS_YES_NO, BUTTONS_OK_CANCEL };
+enum class QuestionButtons { Ok, YesNo, OkCancel };
 
-struct QUESTION {
-    QUESTION_MARK mark;
+struct ProcessQuestion {
+    QuestionMark mark;
     const char *title;
     const char *text;
-    QUESTION_BUTTONS buttons;
+    QuestionButtons buttons;
 };
 
-const QUESTION &question(QUESTION_MARK mark);
+const ProcessQuestion &question(QuestionMark mark);
 
-// Colour of a process box; BOX_KEEPS leaves the box alone, its text too.
-enum BOX_COLOUR { BOX_KEEPS = -1, BOX_GREEN = 0, BOX_YELLOW = 1, BOX_ORANGE = 2, BOX_RED = 3 };
+// Colour of a process box; BoxColour::Keeps leaves the box alone, its text too.
+enum class BoxColour { Keeps = -1, Green = 0, Yellow = 1, Orange = 2, Red = 3 };
 
 // One row of a decision table: it applies to records of that save type with a
 // worst status from lowest to highest.
-struct DECISION {
+struct ProcessDecision {
     uint16_t last_save_type;
     uint16_t lowest;
     uint16_t highest;
-    QUESTION_MARK asked;
-    BOX_COLOUR table_updated; // txtAdjustCalibration
-    BOX_COLOUR after_service; // txtAfterService, which then reads "N/A"
+    QuestionMark asked;
+    BoxColour table_updated; // txtAdjustCalibration
+    BoxColour after_service; // txtAfterService, which then reads "N/A"
 };
 
 // Rows that no save type meets: no question, no change of colour.
-const DECISION &adjust_decision(uint16_t last_save_type, uint16_t worst_status);
-const DECISION &reuse_decision(uint16_t last_save_type, uint16_t worst_status);
+const ProcessDecision &adjust_decision(uint16_t last_save_type, uint16_t worst_status);
+const ProcessDecision &reuse_decision(uint16_t last_save_type, uint16_t worst_status);
 
 // What a recording suggests: styles of the two decision buttons, and the advice
 // as rich text or null.
-struct RECORDING_ADVICE {
+struct RecordingAdvice {
     int32_t save_type;
     uint16_t lowest;
     uint16_t highest;
@@ -75,6 +75,6 @@ struct RECORDING_ADVICE {
 };
 
 // Null when the save type has no colours (New Correlation).
-const RECORDING_ADVICE *recording_advice(int32_t save_type, uint16_t worst_status);
+const RecordingAdvice *recording_advice(int32_t save_type, uint16_t worst_status);
 
 #endif

@@ -12,14 +12,14 @@ struct Buttons {
     QMessageBox::Icon icon;
 };
 
-Buttons buttons_of(QUESTION_BUTTONS kind)
+Buttons buttons_of(QuestionButtons kind)
 {
     switch (kind) {
-    case BUTTONS_YES_NO:
+    case QuestionButtons::YesNo:
         return {QMessageBox::Yes | QMessageBox::No, QMessageBox::No, QMessageBox::Question};
-    case BUTTONS_OK_CANCEL:
+    case QuestionButtons::OkCancel:
         return {QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel, QMessageBox::Question};
-    case BUTTONS_OK:
+    case QuestionButtons::Ok:
         break;
     }
     return {QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Information};
@@ -27,11 +27,11 @@ Buttons buttons_of(QUESTION_BUTTONS kind)
 
 } // namespace
 
-bool ask_question(QWidget *parent, QUESTION_MARK mark)
+bool ask_question(QWidget *parent, QuestionMark mark)
 {
-    if (mark == QUESTION_NONE)
+    if (mark == QuestionMark::None)
         return true;
-    const QUESTION &asked = question(mark);
+    const ProcessQuestion &asked = question(mark);
     const Buttons buttons = buttons_of(asked.buttons);
     const QMessageBox::StandardButton answer =
         ask(parent, buttons.icon, QString::fromUtf8(asked.title), QString::fromUtf8(asked.text),

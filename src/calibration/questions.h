@@ -6,7 +6,7 @@
 
 class QWidget;
 
-// Asks; true for OK or Yes. QUESTION_NONE asks nothing and is true.
-bool ask_question(QWidget *parent, QUESTION_MARK mark);
+// Asks; true for OK or Yes. QuestionMark::None asks nothing and is true.
+bool ask_question(QWidget *parent, QuestionMark mark);
 
 #endif

@@ -48,10 +48,10 @@ bool SaveTypeDialog::eventFilter(QObject *object, QEvent *event)
 void SaveTypeDialog::on_btnRecord_clicked()
 {
     if (ui->rbAsFound->isChecked()) {
-        if (as_found_done == 0 || description_given(QUESTION_R3))
+        if (as_found_done == 0 || description_given(QuestionMark::R3))
             record(&MainWindow::record_as_found);
     } else if (ui->rbAfterService->isChecked()) {
-        if (description_given(QUESTION_R4))
+        if (description_given(QuestionMark::R4))
             record(&MainWindow::record_after_service);
     } else if (ui->rbVerification->isChecked()) {
         record(&MainWindow::record_verification);
@@ -60,7 +60,7 @@ void SaveTypeDialog::on_btnRecord_clicked()
     }
 }
 
-bool SaveTypeDialog::description_given(QUESTION_MARK mark)
+bool SaveTypeDialog::description_given(QuestionMark mark)
 {
     if (!ui->txtComment->text().isEmpty())
         return true;

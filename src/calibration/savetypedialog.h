@@ -32,7 +32,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    bool description_given(QUESTION_MARK mark);
+    bool description_given(QuestionMark mark);
     void record(void (MainWindow::*recording)());
 
     std::unique_ptr<Ui::SaveTypeDialog> ui;

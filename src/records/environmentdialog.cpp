@@ -26,7 +26,7 @@ void EnvironmentDialog::store() const
           ui->tmpBaroName->text().toLatin1().constData(), sizeof g_specs->barometer_var_name);
     copyn(__FILE__, __LINE__, g_specs->humidity_var_name,
           ui->txtHumidityName->text().toLatin1().constData(), sizeof g_specs->humidity_var_name);
-    SPECS_LINES lines = specs_lines(*g_specs);
+    SpecsLines lines = specs_lines(*g_specs);
     lines.temperature = ui->txtTempName->text().toUtf8();
     lines.barometer = ui->tmpBaroName->text().toUtf8();
     lines.humidity = ui->txtHumidityName->text().toUtf8();

@@ -33,8 +33,8 @@ ExpectedTexts expected_texts(const TABLE_RECORD &table)
     return {smallest, largest, smallest, largest};
 }
 
-EXPECTED_VALUE store_expected_values(const ExpectedTexts &texts, ENV_BLOCK *expected,
-                                     LINE_RPT *report)
+ExpectedValue store_expected_values(const ExpectedTexts &texts, ENV_BLOCK *expected,
+                                    LINE_RPT *report)
 {
     for (std::size_t i = 0; i < PLACES.size(); ++i) {
         bool is_number = false;
@@ -44,12 +44,12 @@ EXPECTED_VALUE store_expected_values(const ExpectedTexts &texts, ENV_BLOCK *expe
         expected->*PLACES[i].expected = value;
         report->*PLACES[i].report = value;
         if (!is_number)
-            return static_cast<EXPECTED_VALUE>(i);
+            return static_cast<ExpectedValue>(i);
     }
     return EXPECTED_VALUES;
 }
 
-QString invalid_value_text(EXPECTED_VALUE value)
+QString invalid_value_text(ExpectedValue value)
 {
     return QStringLiteral("An invalid value was entered for %1\n\n"
                           "The entered value must be a double")

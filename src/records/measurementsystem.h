@@ -12,7 +12,7 @@
 #include "frame/line_rpt.h"
 #include "frame/zerl_cfg.h"
 
-enum EXPECTED_VALUE {
+enum ExpectedValue {
     EXPECTED_RANGE_MIN, // nominal validation range
     EXPECTED_RANGE_MAX,
     EXPECTED_MIN,
@@ -30,10 +30,10 @@ ExpectedTexts expected_texts(const TABLE_RECORD &table);
 // Stores the four in both records, in their order, up to the first that is no
 // number: it is stored as 0 and returned, and those behind it keep what they had.
 // EXPECTED_VALUES when all were numbers. How they relate is not looked at.
-EXPECTED_VALUE store_expected_values(const ExpectedTexts &texts, ENV_BLOCK *expected,
-                                     LINE_RPT *report);
+ExpectedValue store_expected_values(const ExpectedTexts &texts, ENV_BLOCK *expected,
+                                    LINE_RPT *report);
 
 // What to tell of a value that is no number.
-QString invalid_value_text(EXPECTED_VALUE value);
+QString invalid_value_text(ExpectedValue value);
 
 #endif

@@ -50,7 +50,7 @@ void MeasurementSystemDialog::on_btnOK_clicked()
         warn(this, QStringLiteral("Values must be entered in all fields"));
         return;
     }
-    const EXPECTED_VALUE refused = store_expected_values(texts, g_env, &g_line_rpt);
+    const ExpectedValue refused = store_expected_values(texts, g_env, &g_line_rpt);
     if (refused != EXPECTED_VALUES) {
         warn(this, invalid_value_text(refused));
         return;

@@ -76,7 +76,7 @@ bool read_specs(SPECS_BLOCK *specs)
     return true;
 }
 
-void write_specs(const SPECS_LINES &lines)
+void write_specs(const SpecsLines &lines)
 {
     QByteArray text = keyword_lines(TEMPERATURE_KEYWORD, lines.temperature) +
                       keyword_lines(BAROMETER_KEYWORD, lines.barometer) +
@@ -89,9 +89,9 @@ void write_specs(const SPECS_LINES &lines)
                   std::strerror(errno));
 }
 
-SPECS_LINES specs_lines(const SPECS_BLOCK &specs)
+SpecsLines specs_lines(const SPECS_BLOCK &specs)
 {
-    SPECS_LINES lines;
+    SpecsLines lines;
     lines.temperature = specs_text(specs.temperature_var_name).toUtf8();
     lines.barometer = specs_text(specs.barometer_var_name).toUtf8();
     lines.humidity = specs_text(specs.humidity_var_name).toUtf8();

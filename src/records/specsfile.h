@@ -21,7 +21,7 @@ constexpr char SPECS_PATH[] = "/cell/zerl_util_specs.ini";
 enum { TYPED_EMAIL_SIZE = 80 };
 
 // The values of the file in the order of its lines, UTF-8.
-struct SPECS_LINES {
+struct SpecsLines {
     QByteArray temperature;
     QByteArray barometer;
     QByteArray humidity;
@@ -37,10 +37,10 @@ bool read_specs(SPECS_BLOCK *specs);
 
 // Writes the file anew, for both that write it. A line break within a value
 // becomes a blank. A failure is logged and told nobody.
-void write_specs(const SPECS_LINES &lines);
+void write_specs(const SpecsLines &lines);
 
 // The record's values as the file has them, without free slots.
-SPECS_LINES specs_lines(const SPECS_BLOCK &specs);
+SpecsLines specs_lines(const SPECS_BLOCK &specs);
 
 // Number of slots that the record's count covers, 0 to 25 whatever it holds.
 int specs_email_count(const SPECS_BLOCK &specs);

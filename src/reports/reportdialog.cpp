@@ -50,7 +50,7 @@ void ReportDialog::fill_email_addresses(bool clear)
 
 void ReportDialog::save_specs_file()
 {
-    const SPECS_LINES lines = specs_lines(*g_specs);
+    const SpecsLines lines = specs_lines(*g_specs);
     write_specs(lines);
     g_specs->report_email_count = lines.emails.size();
 }

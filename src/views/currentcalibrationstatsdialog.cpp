@@ -103,7 +103,8 @@ void CurrentCalibrationStatsDialog::show_rows_in_reach()
 void CurrentCalibrationStatsDialog::compute_row(int i)
 {
     StatInfo *row = m_rows.at(i);
-    const COMPARISON point = compare_point(cfg->long_current, cfg->long_previous, cfg->long_fit, i);
+    const CurveComparison point =
+        compare_point(cfg->long_current, cfg->long_previous, cfg->long_fit, i);
     row->setCurrentCalibration(point.current);
     row->setCurrentToStraightLine(point.current_to_straight_line);
     row->setStraightLineApprox(point.straight_line);

@@ -28,7 +28,7 @@ QStringList stability_cells(int index, const POINT_STATISTICS &point)
             figure_text(point.mv_std),  figure_text(point.mv_min),  figure_text(point.mv_max)};
 }
 
-QStringList deviation_cells(int index, const POLY_DEVIATION &point)
+QStringList deviation_cells(int index, const PointDeviation &point)
 {
     return {QString::number(index + 1), fixed_text(point.x), fixed_text(point.y),
             fixed_text(point.computed), fixed_text(point.deviation)};

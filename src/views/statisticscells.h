@@ -21,6 +21,6 @@ QStringList stability_cells(int index, const POINT_STATISTICS &point);
 
 // Point number, x in mV, then measured y, computed y and their difference in
 // engineering units, each with 3 decimals. `index` counts from 0.
-QStringList deviation_cells(int index, const POLY_DEVIATION &point);
+QStringList deviation_cells(int index, const PointDeviation &point);
 
 #endif

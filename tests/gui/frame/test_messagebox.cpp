@@ -93,28 +93,28 @@ void MessageBoxes::questions_data()
     const QString incomplete = QStringLiteral("Incomplete Calibration");
     const QString modified = QStringLiteral("Table Information Modified");
     QTest::newRow("leaving captured points")
-        << int(QUESTION_L1) << not_recorded
+        << int(QuestionMark::L1) << not_recorded
         << "Captured points have not been recorded.\n\nClick OK to leave this channel anyway or "
            "Cancel to return and record data.";
     QTest::newRow("leaving an incomplete calibration")
-        << int(QUESTION_L2) << incomplete
+        << int(QuestionMark::L2) << incomplete
         << "The calibration is incomplete.\n\nClick OK to leave this channel anyway or Cancel to "
            "return and complete the calibration.";
     QTest::newRow("leaving a modified table")
-        << int(QUESTION_L3) << modified
+        << int(QuestionMark::L3) << modified
         << "The table information has been modified and will not be saved without updating the "
            "calibration table.\n\nClick OK to leave this channel anyway or Cancel to return and "
            "update the calibration.";
     QTest::newRow("exit with captured points")
-        << int(QUESTION_G1) << not_recorded
+        << int(QuestionMark::G1) << not_recorded
         << "Captured points have not been recorded.\n\nClick OK to exit anyway or Cancel to return "
            "and record data.";
     QTest::newRow("exit with an incomplete calibration")
-        << int(QUESTION_G2) << incomplete
+        << int(QuestionMark::G2) << incomplete
         << "The calibration is incomplete.\n\nClick OK to exit anyway or Cancel to return and "
            "complete the calibration.";
     QTest::newRow("exit with a modified table")
-        << int(QUESTION_G3) << modified
+        << int(QuestionMark::G3) << modified
         << "The table information has been modified and will not be saved without updating the "
            "calibration table.\n\nClick OK to exit anyway or Cancel to return and update the "
            "calibration.";
@@ -127,7 +127,7 @@ void MessageBoxes::questions()
     QFETCH(QString, text);
     BoxAnswerer answerer;
     answerer.expect(title, text, QStringLiteral("Cancel"));
-    QVERIFY(!ask_question(nullptr, static_cast<QUESTION_MARK>(mark)));
+    QVERIFY(!ask_question(nullptr, static_cast<QuestionMark>(mark)));
     const MetBox &box = answerer.met().first();
     QCOMPARE(QSet<QString>(box.buttons.begin(), box.buttons.end()),
              (QSet<QString>{"OK", "Cancel"}));
@@ -141,15 +141,15 @@ void MessageBoxes::question_answers_data()
     QTest::addColumn<QString>("button");
     QTest::addColumn<QString>("default_button");
     QTest::addColumn<bool>("agreed");
-    QTest::newRow("OK agrees") << int(QUESTION_L1) << "OK"
+    QTest::newRow("OK agrees") << int(QuestionMark::L1) << "OK"
                                << "Cancel" << true;
-    QTest::newRow("Cancel does not") << int(QUESTION_L1) << "Cancel"
+    QTest::newRow("Cancel does not") << int(QuestionMark::L1) << "Cancel"
                                      << "Cancel" << false;
-    QTest::newRow("Yes agrees") << int(QUESTION_R2) << "Yes"
+    QTest::newRow("Yes agrees") << int(QuestionMark::R2) << "Yes"
                                 << "No" << true;
-    QTest::newRow("No does not") << int(QUESTION_R2) << "No"
+    QTest::newRow("No does not") << int(QuestionMark::R2) << "No"
                                  << "No" << false;
-    QTest::newRow("OK alone agrees") << int(QUESTION_R1) << "OK"
+    QTest::newRow("OK alone agrees") << int(QuestionMark::R1) << "OK"
                                      << "OK" << true;
 }
 
@@ -160,7 +160,7 @@ void MessageBoxes::question_answers()
     QFETCH(QString, default_button);
     QFETCH(bool, agreed);
     BoxAnswerer answerer;
-    const QUESTION &asked = question(static_cast<QUESTION_MARK>(mark));
+    const ProcessQuestion &asked = question(static_cast<QuestionMark>(mark));
     answerer.expect(QString::fromUtf8(asked.title), QString::fromUtf8(asked.text), button);
     QCOMPARE(ask_question(nullptr, asked.mark), agreed);
     QCOMPARE(answerer.met().first().default_button, default_button);
@@ -169,7 +169,7 @@ void MessageBoxes::question_answers()
 void MessageBoxes::nothing_asked_is_agreed()
 {
     const BoxAnswerer answerer;
-    QVERIFY(ask_question(nullptr, QUESTION_NONE));
+    QVERIFY(ask_question(nullptr, QuestionMark::None));
     QVERIFY(answerer.met().isEmpty());
 }
 

@@ -7,8 +7,8 @@
 #include <QtTest>
 
 #include "calibration/comparison.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {
@@ -75,7 +75,7 @@ void Comparison::figures()
     QFETCH(Points, current);
     QFETCH(Points, previous);
     QFETCH(int, index);
-    const COMPARISON found =
+    const CurveComparison found =
         compare_point(table_of(current), table_of(previous), table_of(LINE), index);
     QCOMPARE(found.current, current[static_cast<std::size_t>(index)].second);
     QTEST(found.straight_line, "straight_line");
@@ -91,7 +91,7 @@ void Comparison::value_behind_the_previous_calibrations_points_stands_bare()
     LONG_TABLE previous = table_of({{0., 10.}, {1000., 110.}});
     previous.x[2] = 500.;
     previous.y[2] = -7.5;
-    const COMPARISON found =
+    const CurveComparison found =
         compare_point(table_of({{0., 1.}, {1., 2.}, {2., 3.}}), previous, table_of(LINE), 2);
     QCOMPARE(found.previous, -7.5);
     QCOMPARE(found.previous_to_straight_line, 7.5);
@@ -102,7 +102,7 @@ void Comparison::line_is_zero_behind_the_last_point()
     LONG_TABLE current = table_of({{0., 10.}, {1000., 110.}});
     current.x[2] = 500.;
     current.y[2] = -4.;
-    const COMPARISON found = compare_point(current, current, table_of(LINE), 2);
+    const CurveComparison found = compare_point(current, current, table_of(LINE), 2);
     QCOMPARE(found.straight_line, 0.);
     QCOMPARE(found.current_to_straight_line, 4.);
 }
@@ -110,7 +110,7 @@ void Comparison::line_is_zero_behind_the_last_point()
 void Comparison::last_of_64_points()
 {
     const LONG_TABLE table = table_of(line_points(64));
-    const COMPARISON found = compare_point(table, table, table_of(LINE), 63);
+    const CurveComparison found = compare_point(table, table, table_of(LINE), 63);
     QCOMPARE(found.current, 1281.);
     QCOMPARE(found.straight_line, 74.);
     QCOMPARE(found.previous_to_straight_line, 1207.);
@@ -121,7 +121,7 @@ void Comparison::not_a_number_stays_one()
     LONG_TABLE current = table_of({{0., 10.}, {1000., 110.}});
     current.y[1] = NOT_A_NUMBER;
     const LONG_TABLE previous = table_of(LINE);
-    COMPARISON found = compare_point(current, previous, table_of(LINE), 1);
+    CurveComparison found = compare_point(current, previous, table_of(LINE), 1);
     QVERIFY(qIsNaN(found.current));
     QVERIFY(qIsNaN(found.current_to_previous));
     QVERIFY(qIsNaN(found.current_to_straight_line));

@@ -11,17 +11,17 @@
 namespace
 {
 
-constexpr int NONE = QUESTION_NONE;
-constexpr int KEEPS = BOX_KEEPS;
-constexpr int GREEN = BOX_GREEN;
-constexpr int YELLOW = BOX_YELLOW;
-constexpr int RED = BOX_RED;
+constexpr QuestionMark NONE = QuestionMark::None;
+constexpr BoxColour KEEPS = BoxColour::Keeps;
+constexpr BoxColour GREEN = BoxColour::Green;
+constexpr BoxColour YELLOW = BoxColour::Yellow;
+constexpr BoxColour RED = BoxColour::Red;
 
 // One cell: question, colours of the boxes Table Updated and After-Service.
 struct Cell {
-    int question;
-    int table_updated;
-    int after_service;
+    QuestionMark question;
+    BoxColour table_updated;
+    BoxColour after_service;
 };
 
 struct Line {
@@ -35,19 +35,19 @@ constexpr Cell NOTHING = {NONE, KEEPS, KEEPS};
 const Line ADJUST[] = {
     {3,
      "As-Found",
-     {{QUESTION_Q1, GREEN, GREEN},
+     {{QuestionMark::Q1, GREEN, GREEN},
       {NONE, GREEN, GREEN},
-      {QUESTION_Q2, RED, GREEN},
-      {QUESTION_Q2, RED, GREEN}}},
+      {QuestionMark::Q2, RED, GREEN},
+      {QuestionMark::Q2, RED, GREEN}}},
     {5,
      "After-Service",
      {{NONE, GREEN, KEEPS}, {NONE, GREEN, KEEPS}, {NONE, GREEN, KEEPS}, {NONE, GREEN, KEEPS}}},
     {6,
      "Verification",
-     {{QUESTION_Q5, GREEN, KEEPS},
-      {QUESTION_Q5, GREEN, KEEPS},
-      {QUESTION_Q5, GREEN, KEEPS},
-      {QUESTION_Q5, GREEN, KEEPS}}},
+     {{QuestionMark::Q5, GREEN, KEEPS},
+      {QuestionMark::Q5, GREEN, KEEPS},
+      {QuestionMark::Q5, GREEN, KEEPS},
+      {QuestionMark::Q5, GREEN, KEEPS}}},
     {0, "nothing yet", {NOTHING, NOTHING, NOTHING, NOTHING}},
     {7, "adjustment", {NOTHING, NOTHING, NOTHING, NOTHING}},
     {8, "re-use", {NOTHING, NOTHING, NOTHING, NOTHING}},
@@ -58,21 +58,21 @@ const Line REUSE[] = {
     {3,
      "As-Found",
      {{NONE, GREEN, GREEN},
-      {QUESTION_Q3, YELLOW, YELLOW},
-      {QUESTION_Q4, RED, RED},
-      {QUESTION_Q4, RED, RED}}},
+      {QuestionMark::Q3, YELLOW, YELLOW},
+      {QuestionMark::Q4, RED, RED},
+      {QuestionMark::Q4, RED, RED}}},
     {5,
      "After-Service",
      {{NONE, GREEN, KEEPS},
-      {QUESTION_Q3, YELLOW, KEEPS},
-      {QUESTION_Q4, RED, KEEPS},
-      {QUESTION_Q4, RED, KEEPS}}},
+      {QuestionMark::Q3, YELLOW, KEEPS},
+      {QuestionMark::Q4, RED, KEEPS},
+      {QuestionMark::Q4, RED, KEEPS}}},
     {6,
      "Verification",
-     {{QUESTION_Q6, GREEN, KEEPS},
-      {QUESTION_Q5, GREEN, KEEPS},
-      {QUESTION_Q5, GREEN, KEEPS},
-      {QUESTION_Q5, GREEN, KEEPS}}},
+     {{QuestionMark::Q6, GREEN, KEEPS},
+      {QuestionMark::Q5, GREEN, KEEPS},
+      {QuestionMark::Q5, GREEN, KEEPS},
+      {QuestionMark::Q5, GREEN, KEEPS}}},
     {0, "nothing yet", {NOTHING, NOTHING, NOTHING, NOTHING}},
     {7, "adjustment", {NOTHING, NOTHING, NOTHING, NOTHING}},
     {8, "re-use", {NOTHING, NOTHING, NOTHING, NOTHING}},
@@ -90,20 +90,21 @@ template <std::size_t Count> void add_lines(const Line (&lines)[Count])
         for (int status = 0; status < 4; ++status) {
             const Cell &cell = line.by_status[status];
             QTest::addRow("%d %s, status %d", line.save_type, line.name, status)
-                << line.save_type << status << cell.question << cell.table_updated
-                << cell.after_service;
+                << line.save_type << status << int(cell.question) << int(cell.table_updated)
+                << int(cell.after_service);
         }
     }
 }
 
-void check_cell(const DECISION &(*table)(uint16_t, uint16_t))
+void check_cell(const ProcessDecision &(*table)(uint16_t, uint16_t))
 {
     QFETCH(int, save_type);
     QFETCH(int, status);
-    const DECISION &row = table(static_cast<uint16_t>(save_type), static_cast<uint16_t>(status));
-    QTEST(int{row.asked}, "question");
-    QTEST(int{row.table_updated}, "table_updated");
-    QTEST(int{row.after_service}, "after_service");
+    const ProcessDecision &row =
+        table(static_cast<uint16_t>(save_type), static_cast<uint16_t>(status));
+    QTEST(int(row.asked), "question");
+    QTEST(int(row.table_updated), "table_updated");
+    QTEST(int(row.after_service), "after_service");
 }
 
 const char *const READY = "background-color: rgb(126,232,255)";
@@ -178,7 +179,7 @@ void Decisions::status_beyond_3_asks_nothing()
     QFETCH(int, save_type);
     for (const uint16_t status : {uint16_t{4}, uint16_t{65535}}) {
         for (const auto &table : {adjust_decision, reuse_decision})
-            QCOMPARE(table(static_cast<uint16_t>(save_type), status).asked, QUESTION_NONE);
+            QCOMPARE(table(static_cast<uint16_t>(save_type), status).asked, QuestionMark::None);
     }
 }
 
@@ -186,10 +187,11 @@ void Decisions::box_colours_are_those_of_the_judgement_data()
 {
     QTest::addColumn<int>("colour");
     QTest::addColumn<QByteArray>("style");
-    QTest::newRow("green") << GREEN << QByteArray("background-color: rgb(0,255,0)");
-    QTest::newRow("yellow") << YELLOW << QByteArray("background-color: rgb(255, 255, 127)");
-    QTest::newRow("orange") << int{BOX_ORANGE} << QByteArray("background-color: rgb(255,170,0)");
-    QTest::newRow("red") << RED << QByteArray("background-color: rgb(255, 78, 78)");
+    QTest::newRow("green") << int(GREEN) << QByteArray("background-color: rgb(0,255,0)");
+    QTest::newRow("yellow") << int(YELLOW) << QByteArray("background-color: rgb(255, 255, 127)");
+    QTest::newRow("orange") << int(BoxColour::Orange)
+                            << QByteArray("background-color: rgb(255,170,0)");
+    QTest::newRow("red") << int(RED) << QByteArray("background-color: rgb(255, 78, 78)");
 }
 
 void Decisions::box_colours_are_those_of_the_judgement()
@@ -209,7 +211,7 @@ void Decisions::advice_of_a_recording()
 {
     QFETCH(int, row);
     const Advice &expected = ADVICE[row];
-    const RECORDING_ADVICE *advice =
+    const RecordingAdvice *advice =
         recording_advice(expected.save_type, static_cast<uint16_t>(expected.status));
     QVERIFY(advice != nullptr);
     QCOMPARE(QByteArray(advice->reuse_style), QByteArray(expected.reuse));

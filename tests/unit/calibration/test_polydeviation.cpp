@@ -7,8 +7,8 @@
 #include <QtTest>
 
 #include "calibration/polydeviation.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 class PolyDeviation : public QObject
 {
@@ -73,7 +73,7 @@ void PolyDeviation::deviation()
     point.mv_mean = x;
     point.eu_mean = y;
     point.mv_at_capture = point.eu_reference = -999.; // no part in this
-    const POLY_DEVIATION found = deviation_of(point, range);
+    const PointDeviation found = deviation_of(point, range);
     QCOMPARE(found.x, x);
     QCOMPARE(found.y, y);
     QTEST(found.computed, "computed");

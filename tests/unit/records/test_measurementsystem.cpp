@@ -122,7 +122,7 @@ void MeasurementSystem::storing()
     report.validation_nominal_range_max = 12;
     report.min_expected_val = 13;
     report.max_expected_val = 14;
-    const EXPECTED_VALUE result =
+    const ExpectedValue result =
         store_expected_values({texts[0], texts[1], texts[2], texts[3]}, &block, &report);
     QCOMPARE(int(result), refused);
     const Four expected = {stored[0], stored[1], stored[2], stored[3]};
@@ -158,7 +158,7 @@ void MeasurementSystem::number()
     ENV_BLOCK block = {};
     LINE_RPT report = {};
     block.max_expected_val = report.max_expected_val = 14;
-    const EXPECTED_VALUE result = store_expected_values({"1", "2", "3", text}, &block, &report);
+    const ExpectedValue result = store_expected_values({"1", "2", "3", text}, &block, &report);
     QCOMPARE(result, accepted ? EXPECTED_VALUES : EXPECTED_MAX);
     QCOMPARE(block.max_expected_val, value);
     QCOMPARE(report.max_expected_val, value);

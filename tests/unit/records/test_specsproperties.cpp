@@ -56,13 +56,13 @@ std::vector<std::string> emails_of(const SPECS_BLOCK &specs)
     return emails;
 }
 
-SPECS_LINES lines_of(const std::string &temperature, const std::string &barometer,
-                     const std::string &humidity, const std::vector<std::string> &emails)
+SpecsLines lines_of(const std::string &temperature, const std::string &barometer,
+                    const std::string &humidity, const std::vector<std::string> &emails)
 {
-    SPECS_LINES lines{QByteArray::fromStdString(temperature),
-                      QByteArray::fromStdString(barometer),
-                      QByteArray::fromStdString(humidity),
-                      {}};
+    SpecsLines lines{QByteArray::fromStdString(temperature),
+                     QByteArray::fromStdString(barometer),
+                     QByteArray::fromStdString(humidity),
+                     {}};
     for (const std::string &email : emails)
         lines.emails.append(QByteArray::fromStdString(email));
     return lines;
