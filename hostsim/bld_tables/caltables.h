@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // CAL_TABLES, memory 35: the run-time tables of all channels, built from the
-// .tbl files. Before the first build it is there, all zero. A header, and behind it one entry for
+// .tbl files; all zero before the first build. A header, then one entry for
 // each active channel whose table could be read, ascending by channel.
 #ifndef HOSTSIM_BLD_TABLES_CALTABLES_H
 #define HOSTSIM_BLD_TABLES_CALTABLES_H

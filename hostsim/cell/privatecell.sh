@@ -210,7 +210,7 @@ no_bus() {
 }
 
 # A bus that is named is passed on when it can be reached; else the programs are
-# told that there is none. Without a word they would try to start one, and wait
+# told that there is none. Otherwise they would try to start one, and wait
 # in vain for what cannot be written in the view.
 find_bus() {
     bus_socket=

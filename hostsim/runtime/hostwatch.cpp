@@ -67,7 +67,7 @@ void tell_losses(Registry *all)
     }
 }
 
-// The number of channels is held against the records that there are.
+// The number of channels is compared with the records that exist.
 void tell_counts(Registry *all)
 {
     const Known *const attributes = last_read(*all, MEMORY_SYS_ATTR);

@@ -121,7 +121,7 @@ void solve(std::size_t count, const Workspace &work)
 
 // Magnitudes of the inverse of U' D U, in doubles, and bounds with that what
 // the weights can be off. The first solution's rounding is made good by the
-// second, but for a part as small as that rounding.
+// second, except for a part as small as that rounding.
 void bound_noise(std::size_t n, std::size_t count, const Workspace &work)
 {
     const qd_real *u = work.factors;
@@ -188,8 +188,8 @@ void find_sides(const Points &points, std::size_t count, const Workspace &work)
         work.degrees[k].side = product(work.basis + k * n, work.residual, n);
 }
 
-// Weights that come out as zero but for rounding are zero. Returns whether they
-// are so for certain.
+// Weights that are zero within rounding are set to zero. Returns whether they
+// are certainly so.
 bool drop_noise(const Points &points, std::size_t count, const Workspace &work)
 {
     double squares = 0.0;
@@ -243,7 +243,7 @@ int to_powers(std::size_t count, const Workspace &work)
     return factor;
 }
 
-// Powers that come out as zero but for rounding are zero. Returns whether all
+// Powers that are zero within rounding are set to zero. Returns whether all
 // others have the digits of a double.
 bool drop_powers(const Points &points, std::size_t count, int factor, const Workspace &work)
 {

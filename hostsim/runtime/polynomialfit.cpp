@@ -50,7 +50,7 @@ class Arena
 public:
     // Forgets what was taken; false when there is no memory for that much.
     bool reserve(std::size_t bytes);
-    // So many of T, all zero.
+    // `count` objects of T, all zero.
     template <class T> T *take(std::size_t count)
     {
         T *first = reinterpret_cast<T *>(free);
@@ -58,7 +58,7 @@ public:
         std::uninitialized_value_construct_n(first, count);
         return first;
     }
-    // What so many of T take at most.
+    // Bytes that `count` objects of T take at most.
     template <class T> static std::size_t bytes(std::size_t count)
     {
         static_assert(alignof(T) <= alignof(Unit), "");

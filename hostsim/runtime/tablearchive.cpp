@@ -38,7 +38,7 @@ bool puts_in_force(int save_type)
            save_type == SAVE_NEW_CORRELATION;
 }
 
-// Damage already told of, so that an archive read at every binding does not
+// Damage already logged, so that an archive read at every binding does not
 // fill the log. What is remembered is the place and the bytes there: a file
 // system may hand a freed inode number out again at once.
 bool first_report(const std::string &place)

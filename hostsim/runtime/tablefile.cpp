@@ -46,7 +46,7 @@ public:
     }
 
     void line(const std::string &text) { (m_text += text) += '\n'; }
-    // The bytes at the offset are told by a line of their own.
+    // The bytes at the offset have a line of their own.
     void name(std::size_t offset, std::size_t size)
     {
         std::memcpy(&m_known[offset], m_record + offset, size);

@@ -132,7 +132,7 @@ int32_t bind_channel(ZERL_CFG *cfg)
 
 void bind_active_channel(ZERL_CFG *cfg)
 {
-    // A channel that a rebuild took away altogether is as little active.
+    // A channel that a rebuild removed is not active either.
     const bool published = cfg->channel >= 0 && cfg->channel < Sys_attr->channel_count;
     if (published && Ai_real[cfg->channel].active == 1)
         bind_channel(cfg);

@@ -27,7 +27,7 @@ int32_t bind_channel(ZERL_CFG *cfg);
 void bind_active_channel(ZERL_CFG *cfg);
 
 // Publishes a copy of the record that a table was loaded into: in one block copy
-// under the table mutex, but for the fields that the monitor thread writes, which
+// under the table mutex, except the fields that the monitor thread writes, which
 // the copy takes over.
 void publish_record(ZERL_CFG *copy, ZERL_CFG *record);
 

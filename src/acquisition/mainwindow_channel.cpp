@@ -67,7 +67,7 @@ void MainWindow::show_no_channel()
     ui->btnUnits->setText(QString());
 }
 
-// The first pick of the list's first line after start-up or a give-up takes a
+// The first pick of the list's first line, after start or a given-up channel, takes a
 // quiet path, even with a channel bound: the combo stays there, the record keeps
 // its channel and the monitor thread goes on with it.
 void MainWindow::no_channel_chosen()

@@ -58,7 +58,7 @@ void MainWindow::create_rows()
 }
 
 // Only the first 64 rows of the list are ever hidden or used, also after a
-// give-up has appended fresh ones.
+// channel was given up and fresh ones were appended.
 void MainWindow::hide_rows()
 {
     for (int i = 0; i < MAX_POINTS; ++i)

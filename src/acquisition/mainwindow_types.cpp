@@ -44,7 +44,7 @@ void MainWindow::select_degree(int degree)
 
 void MainWindow::sync_type_controls(const ZERL_CFG *cfg)
 {
-    // The slot of the type comes back here from in here: the inner end must leave
+    // The slot of the type calls this function again: the inner call must leave
     // the degree blocked, or filling it would run its slot and fit again.
     const QSignalBlocker blocker(ui->cboOrderOfPolynomial);
     const POLY_RANGE_RECORD &range = cfg->table.poly[range_index(cfg->table)];
@@ -107,8 +107,8 @@ void MainWindow::choose_type_poly()
 {
     relaxed_store(g_cfg->table.table_type, static_cast<uint16_t>(TABLE_POLY));
     ui->cboPolyRangeIndex->setEnabled(false);
-    // The second range is read, not the one in work: the combo's index stands in
-    // for it, and that is kept.
+    // The second range is read, not the one in work: the combo's index is used
+    // in its place, deliberately.
     select_degree(g_cfg->table.poly[ITEM_POLY].num_points - 1);
     note_degree_on_show();
     set_range_item_enabled(true);

@@ -65,7 +65,7 @@ double evaluate_range(const POLY_RANGE_RECORD &range, double mv)
 }
 
 // One reading (mV) through the table, of which `current` is a copy of the long
-// one: the host reads that in its own way, and the window writes single fields of
+// one: the host does not read that field by field, and the window writes fields of
 // it at any moment.
 double convert_through(const LONG_TABLE &current, const TABLE_RECORD &table, uint16_t table_type,
                        uint16_t *hint, double mv)

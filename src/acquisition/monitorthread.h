@@ -47,7 +47,7 @@ signals:
     void plotInfo(ZERL_CFG *cfg);
 
 protected:
-    // Passes for ever; the thread ends with the process.
+    // Makes passes without end; the thread ends with the process.
     void run() override;
 
 private:

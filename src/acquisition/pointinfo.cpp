@@ -214,7 +214,7 @@ void PointInfo::count_new_point()
         change_count(range, 1);
 }
 
-// A count that was full has kept its number, and keeps it now.
+// A count that was already full did not grow, so it does not shrink.
 void PointInfo::take_back_new_point()
 {
     int16_t &current = g_cfg->long_current.num_points;
@@ -231,7 +231,7 @@ void PointInfo::capture()
         return;
     LONG_TABLE &current = g_cfg->long_current;
     const bool grown = state == POINT_NEW;
-    // A retry behind a refusal is no new point: what was counted then still is.
+    // A retry after a refusal is no new point: it was counted the first time.
     if (grown)
         count_new_point();
     const double former_mv = current.x[index];

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The calibration under way held against the previous one and against the best
+// The calibration in progress compared with the previous one and with the best
 // straight line, point by point.
 #ifndef CALIBRATION_COMPARISON_H
 #define CALIBRATION_COMPARISON_H

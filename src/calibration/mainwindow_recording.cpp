@@ -81,7 +81,7 @@ void MainWindow::finish_recording(int32_t save_type)
     save_calibration(g_cfg, save_type);
 }
 
-// lblNextStep was emptied at the press of Record Data: no advice leaves it so.
+// Record Data has emptied lblNextStep: without advice it stays empty.
 void MainWindow::show_recorded_status(QLineEdit *box, int32_t save_type)
 {
     const uint16_t worst = g_cfg->table.worst_status;

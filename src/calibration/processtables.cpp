@@ -123,7 +123,7 @@ constexpr RecordingAdvice RECORDING_ADVICES[] = {
      "<font color='red'>Channel is within expected range</font>"},
     {SAVE_VERIFICATION,  1, 1, STYLE_IDLE,  STYLE_IDLE,
      "<font color='red'>Channel is outside of expected range</font>"},
-    {SAVE_VERIFICATION,  2, 3, STYLE_IDLE,  STYLE_IDLE, // with a final point, unlike As-Found
+    {SAVE_VERIFICATION,  2, 3, STYLE_IDLE,  STYLE_IDLE, // with a full stop, unlike As-Found
      "<font color='red'>Channel is out of tolerance,<br>perform service and capture new data.</font>"},
 };
 // clang-format on

@@ -76,7 +76,7 @@ void check_points(const TABLE_RECORD *archived, const TABLE_RECORD *from_tbl, co
     }
 }
 
-// An empty table stores the two seeds the other way round.
+// A table without points stores the two start values, so the wrong way round.
 void store_extent(ZERL_CFG *cfg)
 {
     double y_max = -999999.0;

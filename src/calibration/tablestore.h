@@ -13,7 +13,7 @@
 // How long the GUI waits for the host's rebuild, the only synchronisation there
 // is with it.
 constexpr int32_t REBUILD_WAIT_MS = 2000;
-extern int32_t g_rebuild_wait_ms; // REBUILD_WAIT_MS but in tests
+extern int32_t g_rebuild_wait_ms; // REBUILD_WAIT_MS except in tests
 
 // Reads a channel's table, the archive first: an archive record wins over the
 // .tbl for all data but mua_instance_name and description. Its texts end within

@@ -3,7 +3,7 @@
 // Operations on the window as a whole: the judgement of its rows, the state of
 // the calibration process, the table on show. There is no state variable of the
 // process: its state is what the five process boxes hold. GUI thread only,
-// without the table mutex but where it is named.
+// without the table mutex except where it is named.
 #ifndef CALIBRATION_ZERL_UTIL_H
 #define CALIBRATION_ZERL_UTIL_H
 

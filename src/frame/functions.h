@@ -48,7 +48,7 @@ template <std::size_t Size> QString record_text(const char (&text)[Size])
 bool plain_for_shell(const char *path);
 
 // The path for a shell's command line: as it stands or in single quotes, which
-// keep everything from the shell but themselves.
+// protect everything except themselves.
 QByteArray for_shell(const char *path);
 
 // A record's text without what stands behind its end.

@@ -37,7 +37,7 @@ template <typename Record> bool attach(int32_t id, const Record *&pointer, const
 
 int32_t attach_host_memories()
 {
-    // The AI_TRANSFER text has no "to": the operators know it so.
+    // The AI_TRANSFER text has no "to", as operators know it.
     const bool attached =
         attach(MEMORY_AI_REAL, Ai_real, "Vornax must be running\nUnable to get AI_REAL memory") &&
         attach(MEMORY_MILLIVOLTS, Mv, "Vornax must be running\nUnable to get MILLIVOLTS memory") &&

@@ -13,7 +13,7 @@ extern const void *g_cal_tables;
 extern const void *g_cal_tables_base; // set to g_cal_tables by a complete attach
 
 // Attaches the seven memories in order; 0 when all are attached. The first that
-// fails is told to the user and ends the run with -1; what was attached so far
+// fails is shown to the user and ends the series with -1; what was attached so far
 // stays attached. Nothing is ever released.
 int32_t attach_host_memories();
 

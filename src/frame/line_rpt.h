@@ -15,7 +15,7 @@ constexpr double NO_VALUE = -999.9;
 // Results of the last verification. "Raw" values are as captured, in the
 // channel's engineering units; their neighbours have unit_zero_offset added and
 // are in abs_units. All zero when the program starts and never cleared: a value
-// stands until it is overwritten, and see_sum and max_rel_error_work are
+// stays until it is overwritten, and see_sum and max_rel_error_work are
 // carried from one verification to the next.
 struct LINE_RPT {
     double x_raw[MAX_POINTS]; // reference value

@@ -16,7 +16,7 @@ int main(int argc, char *argv[])
 {
     if (is_display_env_var_empty(QString::fromLocal8Bit(argv[0])))
         return 1;
-    // Numbers have a decimal point wherever the cell stands: in the window, in the
+    // Numbers have a decimal point whatever the desktop's locale: in the window, in the
     // host's texts and in files. The application takes up the user's locale.
     QLocale::setDefault(QLocale::c());
     QApplication application(argc, argv);

@@ -95,7 +95,7 @@ MainWindow::~MainWindow()
     note_window_closes(true);
     hide(); // a field that loses the focus still finds the window whole
     disconnect(qApp, nullptr, this, nullptr);
-    delete_curves(); // one of them is always detached, so the plot owns them not
+    delete_curves(); // one of them is always detached, so the plot does not own them all
 }
 
 void MainWindow::set_start_state()
@@ -202,7 +202,7 @@ void MainWindow::note_leaving(const QObject *object, const QEvent *event)
 {
     if (object == this && (event->type() == QEvent::Close || event->type() == QEvent::Show))
         note_window_closes(event->type() == QEvent::Close);
-    // The field's own menu is no leave; nor is the box with which it is refused.
+    // The field's own menu does not count as leaving it, nor does the box that refuses it.
     if (object == ui->txtAveragingTime && event->type() == QEvent::FocusOut)
         m_time_left = static_cast<const QFocusEvent *>(event)->reason() != Qt::PopupFocusReason &&
                       !ui->txtAveragingTime->signalsBlocked();

@@ -36,7 +36,7 @@ struct SpecsLines {
 bool read_specs(SPECS_BLOCK *specs);
 
 // Writes the file anew, for both that write it. A line break within a value
-// becomes a blank. A failure is logged and told nobody.
+// becomes a blank. A failure is logged and not shown.
 void write_specs(const SpecsLines &lines);
 
 // The record's values as the file has them, without free slots.

@@ -20,8 +20,8 @@ struct Entry {
     QString WorkingStandard::*value;
 };
 
-// In the order of the file, which the reader keeps: its search need not begin
-// anew.
+// In the order of the file, in which the reader looks for them: its search need not start
+// again.
 const Entry ENTRIES[] = {
     {"@WS_MAKE_KEYWORD", &WorkingStandard::make},
     {"@WS_MODEL_KEYWORD", &WorkingStandard::model},

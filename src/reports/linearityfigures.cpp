@@ -17,7 +17,7 @@ struct Extremes {
     double rel_error = -999.9;
 };
 
-// 459.69 and not 459.67: the figure of the sheet that the dump is held against.
+// 459.69 and not 459.67: the figure of the sheet that the dump is compared with.
 void set_units(const char *eng_units, LINE_RPT *record)
 {
     copyn(__FILE__, __LINE__, record->units_upper, eng_units, sizeof record->units_upper);

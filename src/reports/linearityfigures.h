@@ -48,7 +48,7 @@ LinearityFigures linearity_figures(const POINT_STATISTICS *points, int32_t count
 double rounded_to_8_decimals(double value);
 
 // Whether the four checks pass. NaN never does. The slope and r2 are rounded to
-// whole numbers before they are held against their limits.
+// whole numbers before they are compared with their limits.
 bool intercept_passes(double intercept_check_frac);
 bool slope_passes(double slope_check);
 bool see_passes(double see_check_frac);

@@ -17,7 +17,7 @@ extern QByteArray report_path;
 // Computes the figures anew, with their dump, then writes the report on the
 // session's channel: a permanent one to /cell/tables/reports, named after the
 // table and the day, so that a second one on that day replaces the first;
-// otherwise to /tmp/zerl_util_line_rpt.html. False, without a word to anyone,
+// otherwise to /tmp/zerl_util_line_rpt.html. False, without a message,
 // when the file cannot be opened; errors while writing are not noticed. The
 // folder is not made here.
 bool generate_line_rpt(bool permanent);

@@ -25,7 +25,7 @@ struct SensorForm {
 bool change_affects_calibration(const SensorForm &form, const TABLE_RECORD &table);
 
 // True when Cancel warns of lost changes. The upper limit is looked at only
-// when a lower one is NaN: a change of the upper limit alone goes without a word.
+// when a lower one is NaN: a change of the upper limit alone brings no warning.
 bool cancel_loses_changes(const SensorForm &form, const TABLE_RECORD &table);
 
 // Writes the six values into the record, texts cut to their fields and

@@ -9,7 +9,7 @@
 //
 //                         record                  form
 //   limits the same       within 1e-6             exactly equal
-//   not a number          a limit is NaN          a text holds "nan", this case
+//   not a number          a limit is NaN          a text holds "nan", lower case
 //   unreadable            does not arise          a text that is no number
 //   units none            the word, any case      the letters anywhere, any case
 //

@@ -28,7 +28,7 @@
 
 #include "frame/zerl_cfg.h"
 
-// Tolerance classes. Any number but the first two stands for the third.
+// Tolerance classes. Any other number than the first two means the third.
 enum {
     CLASS_OOA = 1, // out of adjustment
     CLASS_OOT = 2, // out of tolerance
@@ -49,7 +49,7 @@ extern QString soot_tolerance_token;
 // Instance in force: every writer stores 0 and nothing reads it.
 extern uint16_t mua_instance_index;
 
-// That one of three that belongs to a class.
+// The one of three values that belongs to a class.
 template <typename Type>
 const Type &of_class(int tolerance_class, const Type &ooa, const Type &oot, const Type &soot)
 {

@@ -73,7 +73,7 @@ struct DisplayClass {
     int32_t number;
 };
 
-// Fahrenheit goes with kelvin and Celsius with Rankine: meant so.
+// Fahrenheit goes with kelvin and Celsius with Rankine, deliberately.
 constexpr DisplayClass DISPLAY_CLASSES[] = {{"%", 4},     {"deg_F", 1}, {"deg_K", 1}, {"F", 1},
                                             {"deg_C", 2}, {"deg_R", 2}, {"C", 2}};
 

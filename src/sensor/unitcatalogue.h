@@ -17,18 +17,18 @@ enum { UNITS_TEMPERATURE = 0, UNITS_PRESSURE = 1, UNITS_TIME = 2, UNITS_OTHER = 
 
 // Builds the lists, unless that is done, and takes the keyword to start from
 // into value_units: table_units when value_units_override is set, otherwise the
-// sensor's units. Its list and row are put out; 0 and 0, and value_units empty,
-// when it stands in none. Without the host's memory each list is " <empty>".
+// sensor's units. Returns its list and row; 0 and 0, and value_units empty,
+// when no list has it. Without the host's memory each list is " <empty>".
 void load_unit_lists(ZERL_CFG *cfg, int16_t *category, int16_t *row);
 
-// The first entry, list after list, that begins with the keyword, in this case.
-// False, and nothing put out, when there is none or the keyword is empty.
+// The first entry, list after list, that begins with the keyword, case-sensitive.
+// False, and both left alone, when there is none or the keyword is empty.
 bool find_unit(const ZERL_CFG *cfg, int16_t *category, int16_t *row, const char *keyword);
 
 // The keywords of a list (0 to 3) in their order, in the host's bytes.
 QByteArrayList unit_list(const ZERL_CFG *cfg, int category);
 
-// True when value_units holds a unit; an empty one is told to the log.
+// True when value_units holds a unit; an empty one is logged.
 bool unit_is_picked(const ZERL_CFG *cfg);
 
 // Converts the y values of long_current in place from the table's units to

@@ -6,20 +6,20 @@
 
 #include "host/operations.h"
 
-// True when nothing keeps a value from standing in both: a unit that was not
+// True when a value can be given in either unit: a unit that was not
 // chosen yet, the empty keyword, agrees with any at the host.
 inline bool units_agree(const char *a, const char *b)
 {
     return (units_dimension_check_key(a, b) & 0xffff) == 0;
 }
 
-// True when values of one unit can be converted to the other, which takes two.
+// True when values of one unit can be converted to the other: both are chosen.
 inline bool same_dimension(const char *a, const char *b)
 {
     return a[0] != '\0' && b[0] != '\0' && units_agree(a, b);
 }
 
-// The value in the other unit; as it stands when the two are unlike or unknown.
+// The value in the other unit; unchanged when the two are unlike or unknown.
 inline double converted(const char *from, const char *to, double value)
 {
     double result = value;

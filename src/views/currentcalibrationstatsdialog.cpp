@@ -75,7 +75,7 @@ void CurrentCalibrationStatsDialog::fit_columns()
         for (StatInfo *row : m_rows)
             row->set_cell_widths(number, value);
     }
-    // A bar beside the rows must not bring one under them.
+    // A vertical scroll bar must not bring a horizontal one.
     const QScrollBar *bar = ui->scrollArea->verticalScrollBar();
     const int beside = bar->sizeHint().width() + 2 * ui->scrollArea->frameWidth();
     if (!m_rows.isEmpty())

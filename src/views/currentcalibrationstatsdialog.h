@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Compares, point by point, the calibration under way with the previous one and
+// Compares, point by point, the calibration in progress with the previous one and
 // with the straight-line fit. Changes nothing.
 #ifndef VIEWS_CURRENTCALIBRATIONSTATSDIALOG_H
 #define VIEWS_CURRENTCALIBRATIONSTATSDIALOG_H

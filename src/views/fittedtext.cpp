@@ -27,7 +27,7 @@ FittedText fitted_text(const QFont &font, const QString &text, qreal width, qrea
         return fitted;
     const qreal least = std::max(smallest, LEAST);
     const qreal full = QFontInfo(font).pointSizeF();
-    // Widths go with the size but for rounding, which the steps make up for.
+    // Widths are proportional to the size except for rounding, which the steps make up for.
     const qreal share = width / QFontMetricsF(font).horizontalAdvance(text);
     const qreal start = std::min(std::max(full * share, LEAST) + STEP, full);
     const int steps = static_cast<int>(std::floor((start - least) / STEP));

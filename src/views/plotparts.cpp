@@ -14,7 +14,7 @@
 namespace
 {
 
-// Qwt's rectangle that no axis takes notice of.
+// An invalid rectangle, which Qwt leaves out when it scales the axes.
 const QRectF NO_RECTANGLE(1.0, 1.0, -2.0, -2.0);
 
 constexpr auto ONE_LINE = static_cast<QwtText::TextFormat>(QwtText::OtherFormat + 1);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Parts of the plot that behave otherwise than Qwt's own.
+// Parts of the plot that behave differently from Qwt's own.
 #ifndef VIEWS_PLOTPARTS_H
 #define VIEWS_PLOTPARTS_H
 

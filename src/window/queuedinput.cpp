@@ -7,8 +7,8 @@
 namespace
 {
 
-// Nothing waits this long when input has ended; a hand that goes on pressing
-// must not hold the window up.
+// Input that has ended is dropped sooner than this; a user who goes on pressing
+// must not block the window.
 constexpr int LONGEST_MS = 200;
 
 bool acts(QEvent::Type type)

@@ -15,13 +15,13 @@ namespace
 
 int write_end = -1;
 bool requested = false;     // GUI thread only
-bool window_closes = false; // likewise
+bool window_closes = false; // GUI thread only
 
 void note_termination(int)
 {
     const int kept = errno;
     const char byte = 1;
-    // A full pipe already holds the news.
+    // A full pipe already tells of the signal.
     if (write(write_end, &byte, 1) < 0)
         errno = kept;
     errno = kept;

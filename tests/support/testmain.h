@@ -20,12 +20,11 @@ struct TestClass {
 bool note_test_class(const TestClass &test);
 
 #define RUN_TEST_CLASS(Class, application)                                                         \
-    static const bool noted_##Class =                                                              \
-        note_test_class({__FILE__, [](int argc, char **argv) {                                     \
-                             application;                                                          \
-                             Class test;                                                           \
-                             return QTest::qExec(&test, argc, argv);                               \
-                         }})
+    static const bool noted_##Class = note_test_class({__FILE__, [](int argc, char **argv) {       \
+                                                           application;                            \
+                                                           Class test;                             \
+                                                           return QTest::qExec(&test, argc, argv); \
+                                                       }})
 
 // A class that shows widgets, one that needs an event loop, one that needs
 // nothing of Qt but the test itself.

@@ -7,8 +7,8 @@
 #include <QtTest>
 
 #include "gui/frame/testwindow.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

@@ -12,8 +12,8 @@
 #include <QScrollArea>
 #include <QtTest>
 
-#include "ui_mainwindow.h"
 #include "support/testmain.h"
+#include "ui_mainwindow.h"
 
 class Form : public QObject
 {

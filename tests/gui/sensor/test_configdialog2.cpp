@@ -9,8 +9,8 @@
 #include <QtTest>
 
 #include "host/operations.h"
-#include "tableinformation.h"
 #include "support/testmain.h"
+#include "tableinformation.h"
 
 namespace
 {

@@ -7,8 +7,8 @@
 #include <QtTest>
 
 #include "host/operations.h"
-#include "tableinformation.h"
 #include "support/testmain.h"
+#include "tableinformation.h"
 
 class TableInformationAnswers : public QObject
 {

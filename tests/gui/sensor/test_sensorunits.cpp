@@ -12,8 +12,8 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
-#include "tableinformation.h"
 #include "support/testmain.h"
+#include "tableinformation.h"
 
 namespace
 {

@@ -15,8 +15,8 @@
 #include "sensor/tablevalueunitsdialog.h"
 #include "sensor/tolerances.h"
 #include "sensor/unitcatalogue.h"
-#include "support/unitmemory.h"
 #include "support/testmain.h"
+#include "support/unitmemory.h"
 
 namespace
 {

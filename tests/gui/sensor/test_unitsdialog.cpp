@@ -13,8 +13,8 @@
 #include "sensor/unitcatalogue.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
-#include "support/unitmemory.h"
 #include "support/testmain.h"
+#include "support/unitmemory.h"
 
 namespace
 {

@@ -7,8 +7,8 @@
 #include <QScrollBar>
 
 #include "gui/views/statisticsview.h"
-#include "views/pointstatsdialog.h"
 #include "support/testmain.h"
+#include "views/pointstatsdialog.h"
 
 class PointStatistics : public QObject
 {

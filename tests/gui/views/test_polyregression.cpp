@@ -13,8 +13,8 @@
 
 #include "gui/views/statisticsview.h"
 #include "support/hostlog.h"
-#include "views/polyregressiondialog.h"
 #include "support/testmain.h"
+#include "views/polyregressiondialog.h"
 
 namespace
 {

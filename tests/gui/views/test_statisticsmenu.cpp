@@ -7,11 +7,11 @@
 
 #include "gui/frame/testwindow.h"
 #include "gui/views/statisticsview.h"
+#include "support/testmain.h"
 #include "views/currentcalibrationstatsdialog.h"
 #include "views/pointstatsdialog.h"
 #include "views/polyregressiondialog.h"
 #include "views/statinfo.h"
-#include "support/testmain.h"
 
 class StatisticsMenu : public QObject
 {

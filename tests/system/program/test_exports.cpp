@@ -5,8 +5,8 @@
 
 #include "support/cellfiles.h"
 #include "support/testcell.h"
-#include "system/program/testprogram.h"
 #include "support/testmain.h"
+#include "system/program/testprogram.h"
 
 class ProgramExports : public QObject
 {

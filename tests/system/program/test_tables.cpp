@@ -9,8 +9,8 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
-#include "system/program/testprogram.h"
 #include "support/testmain.h"
+#include "system/program/testprogram.h"
 
 namespace
 {

@@ -14,8 +14,8 @@
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
 #include "support/recorder.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

@@ -8,8 +8,8 @@
 #include <QtTest>
 
 #include "calibration/classification.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

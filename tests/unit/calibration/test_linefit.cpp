@@ -11,8 +11,8 @@
 #include <QtTest>
 
 #include "calibration/linefit.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

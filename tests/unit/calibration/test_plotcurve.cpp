@@ -4,8 +4,8 @@
 #include <QtTest>
 
 #include "calibration/plotcurve.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 class PlotCurve : public QObject
 {

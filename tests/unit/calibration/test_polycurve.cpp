@@ -9,8 +9,8 @@
 
 #include "calibration/polycurve.h"
 #include "host/operations.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

@@ -9,8 +9,8 @@
 #include <QtTest>
 
 #include "calibration/tableload.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

@@ -12,8 +12,8 @@
 #include "host/operations.h"
 #include "support/cellfiles.h"
 #include "support/recorder.h"
-#include "unit/calibration/tablerecords.h"
 #include "support/testmain.h"
+#include "unit/calibration/tablerecords.h"
 
 namespace
 {

@@ -4,8 +4,8 @@
 // that no damage passes for a record.
 #include <QtTest>
 
-#include "tablefixture.h"
 #include "support/testmain.h"
+#include "tablefixture.h"
 
 using namespace hostsim;
 using namespace tablefixture;

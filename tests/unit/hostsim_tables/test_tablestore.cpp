@@ -15,8 +15,8 @@
 #include "host/exports.h"
 #include "support/cellfiles.h"
 #include "support/hostlog.h"
-#include "tablefixture.h"
 #include "support/testmain.h"
+#include "tablefixture.h"
 
 using namespace hostsim;
 using namespace tablefixture;

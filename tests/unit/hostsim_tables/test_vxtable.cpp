@@ -8,8 +8,8 @@
 #include <QtTest>
 
 #include "support/cellfiles.h"
-#include "tablefixture.h"
 #include "support/testmain.h"
+#include "tablefixture.h"
 
 using namespace tablefixture;
 

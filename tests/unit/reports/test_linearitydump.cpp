@@ -12,8 +12,8 @@
 
 #include "reports/linearitydump.h"
 #include "support/hostlog.h"
-#include "unit/reports/linearitycases.h"
 #include "support/testmain.h"
+#include "unit/reports/linearitycases.h"
 
 namespace
 {

@@ -6,8 +6,8 @@
 #include <limits>
 #include <memory>
 
-#include "unit/reports/linearitycases.h"
 #include "support/testmain.h"
+#include "unit/reports/linearitycases.h"
 
 namespace
 {

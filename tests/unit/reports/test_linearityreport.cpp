@@ -12,8 +12,8 @@
 #include "reports/linearityreport.h"
 #include "support/hostlog.h"
 #include "support/testcell.h"
-#include "unit/reports/reportcontent.h"
 #include "support/testmain.h"
+#include "unit/reports/reportcontent.h"
 
 namespace
 {

@@ -6,8 +6,8 @@
 
 #include "reports/linearitydump.h"
 #include "reports/linearityreport.h"
-#include "unit/reports/reportcontent.h"
 #include "support/testmain.h"
+#include "unit/reports/reportcontent.h"
 
 class LocalDigits : public QObject
 {

@@ -8,8 +8,8 @@
 
 #include <QTextStream>
 
-#include "unit/reports/reportcontent.h"
 #include "support/testmain.h"
+#include "unit/reports/reportcontent.h"
 
 class ReportDocument : public QObject
 {

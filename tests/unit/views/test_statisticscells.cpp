@@ -5,8 +5,8 @@
 
 #include <QtTest>
 
-#include "views/statisticscells.h"
 #include "support/testmain.h"
+#include "views/statisticscells.h"
 
 namespace
 {
