@@ -39,14 +39,27 @@ private:
 
 enum class Result { Done, Failed, NotPossible };
 
+// Again for as long as a signal interrupts it: that of a rebuild that has ended,
+// for one.
+template <typename Call> auto retried(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+int open_file(const QByteArray &path, int flags)
+{
+    return retried([&] { return open(path.constData(), flags | O_CLOEXEC, NEW_FILE); });
+}
+
 bool write_all(int fd, const QByteArray &text)
 {
     const char *rest = text.constData();
     auto left = static_cast<std::size_t>(text.size());
     while (left > 0) {
-        const ssize_t done = write(fd, rest, left);
-        if (done < 0 && errno == EINTR)
-            continue;
+        const ssize_t done = retried([=] { return write(fd, rest, left); });
         if (done < 0)
             return false;
         rest += done;
@@ -57,10 +70,7 @@ bool write_all(int fd, const QByteArray &text)
 
 bool flush(int fd)
 {
-    int result = fsync(fd);
-    while (result != 0 && errno == EINTR)
-        result = fsync(fd);
-    return result == 0;
+    return retried([=] { return fsync(fd); }) == 0;
 }
 
 QByteArray folder_of(const QByteArray &path)
@@ -81,11 +91,11 @@ QByteArray resolved(const QByteArray &path)
 // process of the same number goes first.
 int open_temporary(const QByteArray &name)
 {
-    constexpr int FLAGS = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    const int fd = open(name.constData(), FLAGS, NEW_FILE);
+    constexpr int FLAGS = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
+    const int fd = open_file(name, FLAGS);
     if (fd >= 0 || errno != EEXIST || unlink(name.constData()) != 0)
         return fd;
-    return open(name.constData(), FLAGS, NEW_FILE);
+    return open_file(name, FLAGS);
 }
 
 // A mount point cannot be renamed over, and a folder may refuse new names while
@@ -122,7 +132,7 @@ Result rename_over(const QByteArray &path, const struct stat *former, const QByt
         return result;
     }
     // Without this a crash leaves one of the two files, and either is whole.
-    const Descriptor parent(open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor parent(open_file(folder, O_RDONLY | O_DIRECTORY));
     if (parent.valid())
         flush(parent.get());
     return Result::Done;
@@ -149,7 +159,9 @@ bool reserve(int fd, off_t former, off_t size)
 {
     if (size <= former)
         return true;
-    const int reason = posix_fallocate(fd, former, size - former);
+    int reason = EINTR;
+    while (reason == EINTR)
+        reason = posix_fallocate(fd, former, size - former);
     if (reason == 0)
         return true;
     static_cast<void>(ftruncate(fd, former) == 0);
@@ -159,14 +171,14 @@ bool reserve(int fd, off_t former, off_t size)
 
 bool write_in_place(const QByteArray &path, const QByteArray &text)
 {
-    const Descriptor file(open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, NEW_FILE));
+    const Descriptor file(open_file(path, O_WRONLY | O_CREAT));
     struct stat status = {};
     if (!file.valid() || fstat(file.get(), &status) != 0)
         return false;
     if (!S_ISREG(status.st_mode))
         return write_all(file.get(), text);
     return reserve(file.get(), status.st_size, text.size()) && write_all(file.get(), text) &&
-           ftruncate(file.get(), text.size()) == 0 && flush(file.get());
+           retried([&] { return ftruncate(file.get(), text.size()); }) == 0 && flush(file.get());
 }
 
 } // namespace

@@ -9,17 +9,42 @@
 
 namespace
 {
+
 QPointer<QWidget> box_parent;
+
+bool stands_over(const QObject *dialog, const QObject *other)
+{
+    while (dialog != nullptr && dialog != other)
+        dialog = dialog->parent();
+    return dialog != nullptr;
 }
+
+} // namespace
 
 void set_box_parent(QWidget *window)
 {
     box_parent = window;
 }
 
+// Not the active modal widget alone: an on-screen pad that was left open over a
+// dialog is one too.
+QDialog *open_dialog()
+{
+    auto *top = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    if (top != nullptr || QApplication::activeModalWidget() == nullptr)
+        return top;
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        auto *const dialog = qobject_cast<QDialog *>(window);
+        if (dialog != nullptr && dialog->isVisible() && dialog->isModal() &&
+            (top == nullptr || stands_over(dialog, top)))
+            top = dialog;
+    }
+    return top;
+}
+
 QWidget *box_owner(QWidget *otherwise)
 {
-    auto *const open = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    QDialog *const open = open_dialog();
     return open != nullptr ? open : otherwise;
 }
 

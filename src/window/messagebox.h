@@ -13,6 +13,9 @@ constexpr Qt::WindowFlags TITLE_BAR_ONLY =
 // The window above which the boxes of the computation stand; null: none.
 void set_box_parent(QWidget *window);
 
+// The dialog or box that waits for its answer, the last one opened; null: none.
+QDialog *open_dialog();
+
 // Parent of a box: the dialog that is open, which a window manager could otherwise
 // raise over the box, or else the widget given.
 QWidget *box_owner(QWidget *otherwise);

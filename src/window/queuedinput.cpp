@@ -4,6 +4,8 @@
 #include <QCoreApplication>
 #include <QMouseEvent>
 
+#include "window/messagebox.h"
+
 namespace
 {
 
@@ -31,7 +33,8 @@ bool acts(QEvent::Type type)
     }
 }
 
-// In force while it lives; the filter installed last is asked first.
+// In force while it lives; the filter installed last is asked first. A box that
+// what is worked off brings up is answered by hand: nothing else could close it.
 class InputDrop : public QObject
 {
 public:
@@ -40,6 +43,8 @@ public:
 protected:
     bool eventFilter(QObject *, QEvent *event) override
     {
+        if (open_dialog() != nullptr)
+            return false;
         if (!acts(event->type()) && !ends_dropped_press(event))
             return false;
         if (event->type() == QEvent::MouseButtonPress)

@@ -19,6 +19,7 @@ private slots:
     void questions_of_a_recording_belong_to_its_dialog_data();
     void questions_of_a_recording_belong_to_its_dialog();
     void failure_told_during_a_recording_belongs_to_its_dialog();
+    void pad_left_open_over_the_dialog_owns_no_box();
     void box_over_a_box_belongs_to_it();
     void box_belongs_to_the_window_when_no_dialog_is_open();
 
@@ -27,6 +28,7 @@ private:
     void record(char kind, const QString &title);
 
     std::unique_ptr<ProcessPanel> m_it;
+    QPointer<QWidget> m_pad; // opened over the dialog
     QPointer<QWidget> m_dialog;
     QWidget *m_owner = nullptr;
 };
@@ -42,6 +44,10 @@ void BoxOwner::record(char kind, const QString &title)
             ProcessPanel::choice(dialog, kind)->setChecked(true);
             dialog->findChild<QLineEdit *>(QStringLiteral("txtComment"))
                 ->setText(QStringLiteral("why"));
+            if (m_pad != nullptr) {
+                m_pad->show();
+                QCOMPARE(QApplication::activeModalWidget(), m_pad.data());
+            }
             dialog->findChild<QPushButton *>(QStringLiteral("btnRecord"))->click();
         });
     bool is_the_dialog = false;
@@ -70,6 +76,17 @@ void BoxOwner::questions_of_a_recording_belong_to_its_dialog()
     m_it->set_boxes(boxes.toLatin1().constData());
     m_it->captured(0);
     record(kind, QStringLiteral("Warning"));
+}
+
+// As an on-screen pad, which is modal and no dialog.
+void BoxOwner::pad_left_open_over_the_dialog_owns_no_box()
+{
+    m_it->set_boxes("11000");
+    m_it->captured(0);
+    QWidget pad(nullptr, Qt::Tool | Qt::WindowStaysOnTopHint);
+    pad.setWindowModality(Qt::WindowModal);
+    m_pad = &pad;
+    record(VERIFICATION, QStringLiteral("Warning"));
 }
 
 void BoxOwner::failure_told_during_a_recording_belongs_to_its_dialog()

@@ -7,6 +7,7 @@
 
 #include "gui/calibration/processpanel.h"
 #include "support/testmain.h"
+#include "window/termination.h"
 
 namespace
 {
@@ -100,6 +101,8 @@ private slots:
     void press_after_the_decision_counts();
     void release_of_an_earlier_press_is_let_through();
     void ticks_that_waited_are_worked_off();
+    void box_that_comes_up_meanwhile_can_be_answered();
+    void close_during_the_rebuild_is_heeded();
 
 private:
     static void add_buttons()
@@ -259,6 +262,42 @@ void QueuedPresses::ticks_that_waited_are_worked_off()
     QVERIFY(ticks > 0);
     QCOMPARE(saved() - before, 1);
     QTRY_COMPARE_WITH_TIMEOUT(g_cfg->redraw_all, uint16_t(0), DEADLINE_MS);
+}
+
+// A box that what waited brings up. Without an answer it would stand for good.
+void QueuedPresses::box_that_comes_up_meanwhile_can_be_answered()
+{
+    bool pressed = false;
+    during_rebuild = [&pressed] {
+        queue([&pressed] {
+            QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("text"),
+                            QMessageBox::Ok);
+            QTimer::singleShot(0, &box, [&box] { queue_click(box.button(QMessageBox::Ok)); });
+            QTimer::singleShot(5000, &box, &QDialog::reject); // a click that was dropped
+            box.exec();
+            pressed = box.clickedButton() != nullptr && box.result() == QMessageBox::Ok;
+        });
+    };
+    const int before = saved();
+    queue_click(button(true));
+    work_off();
+    QVERIFY(pressed);
+    QCOMPARE(saved() - before, 1);
+}
+
+// The last: its window is closed.
+void QueuedPresses::close_during_the_rebuild_is_heeded()
+{
+    during_rebuild = [this] {
+        queue_click(button(true));
+        QCoreApplication::postEvent(m_it->it.window->windowHandle(), new QCloseEvent);
+    };
+    const int before = saved();
+    queue_click(button(true));
+    work_off();
+    QVERIFY(!m_it->it.window->isVisible());
+    QVERIFY(end_decided());
+    QCOMPARE(saved() - before, 1);
 }
 
 WINDOW_TEST(QueuedPresses);

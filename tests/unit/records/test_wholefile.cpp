@@ -3,8 +3,10 @@
 // A small text file is replaced as a whole, or stays as it was.
 #include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <cstring>
 
+#include <fcntl.h>
 #include <linux/capability.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -91,7 +93,51 @@ bool replace(const QString &path, const QByteArray &text)
     return replace_file(path.toUtf8(), text);
 }
 
+bool interrupting = false;
+int interruptions = 0;
+
+// Every call is interrupted once and then goes through.
+bool interrupted(bool *was)
+{
+    *was = interrupting && !*was;
+    interruptions += *was ? 1 : 0;
+    return *was;
+}
+
+bool replace_interrupted(const QString &path, const QByteArray &text)
+{
+    interruptions = 0;
+    interrupting = true;
+    const bool done = replace(path, text);
+    interrupting = false;
+    return done;
+}
+
 } // namespace
+
+extern "C" {
+
+int open(const char *path, int flags, ...)
+{
+    static bool was = false;
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (!interrupted(&was))
+        return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    errno = EINTR;
+    return -1;
+}
+
+int posix_fallocate(int fd, off_t offset, off_t size)
+{
+    static bool was = false;
+    if (interrupted(&was))
+        return EINTR; // errno stays as it was
+    return syscall(SYS_fallocate, fd, 0, offset, size) == 0 ? 0 : errno;
+}
+}
 
 class WholeFile : public QObject
 {
@@ -116,6 +162,7 @@ private slots:
     void another_users_file_stays_that_users();
     void left_by_a_dead_process_of_the_same_number();
     void longest_name();
+    void interrupted_calls_are_made_again();
     void name_is_bytes_whatever_the_locale();
 };
 
@@ -276,6 +323,18 @@ void WholeFile::longest_name()
     QCOMPARE(read_file(path), QByteArray("new\n"));
     QVERIFY(!replace(FOLDER + QString(252, 'n') + ".txt", "new\n"));
     QCOMPARE(errno, ENAMETOOLONG);
+}
+
+// Beside the file, and in place where it has a second name.
+void WholeFile::interrupted_calls_are_made_again()
+{
+    QVERIFY(replace_interrupted(PATH, "beside\n"));
+    QCOMPARE(read_file(PATH), QByteArray("beside\n"));
+    QCOMPARE(interruptions, 2); // the file and its folder
+    QCOMPARE(link(qPrintable(PATH), qPrintable(FOLDER + "second.txt")), 0);
+    QVERIFY(replace_interrupted(PATH, "in place, and longer\n"));
+    QCOMPARE(read_file(PATH), QByteArray("in place, and longer\n"));
+    QCOMPARE(interruptions, 2); // the file and the room for it
 }
 
 void WholeFile::name_is_bytes_whatever_the_locale()
