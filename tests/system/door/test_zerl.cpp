@@ -47,8 +47,8 @@ void Zerl::help_lists_command_data()
 {
     QTest::addColumn<QString>("command");
     for (const char *name :
-         {"run [--cell FOLDER] [--touch]", "test [--sanitize]", "soak [LENGTH] [SEED]", "tour ",
-          "build ", "bench ", "lint ", "clean ", "help "})
+         {"run [--cell FOLDER] [--touch]", "test [--sanitize]", "soak [LENGTH] [SEED]",
+          "mutate [OPTIONS]", "tour ", "build ", "bench ", "lint ", "clean ", "help "})
         QTest::newRow(name) << QString(name);
 }
 
