@@ -90,9 +90,9 @@ def place_of(mutant, sources):
 
 def tree_files(tree):
     """The files of the tree without what was built, relative to it."""
-    command = ["git", "-C", str(tree), "ls-files", "-z", "-co", "--exclude-standard"]
-    listed = subprocess.run(command, capture_output=True, check=False)
-    if listed.returncode == 0:
+    if (tree / ".git").exists() and shutil.which("git"):
+        command = ["git", "-C", str(tree), "ls-files", "-z", "-co", "--exclude-standard"]
+        listed = subprocess.run(command, stdout=subprocess.PIPE, check=True)
         every = [pathlib.Path(os.fsdecode(name)) for name in listed.stdout.split(b"\0") if name]
     else:
         every = [path.relative_to(tree) for path in tree.rglob("*")]
@@ -165,8 +165,10 @@ class Place:
                    "--parallel", str(parallel), "--output-on-failure"]
         done = subprocess.run(command, cwd=self.tree, text=True, errors="replace", check=False,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        lines = re.findall(r"Test +#\d+: (\S+) [. ]*(Passed|\*\*\*[A-Za-z ]*)", done.stdout)
-        return {name: said.strip("* ") for name, said in lines}, done.stdout
+        # "***Failed", "***Timeout", "Subprocess aborted***Exception"
+        lines = re.findall(r"Test +#\d+: (\S+) [. ]*(Passed|[A-Za-z ]*\*\*\*[A-Za-z ]*)",
+                           done.stdout)
+        return {name: said.replace("*", " ").strip() for name, said in lines}, done.stdout
 
     def judge(self, mutant, path):
         """Makes the edit, builds, tests, and puts the source back."""
