@@ -50,7 +50,8 @@ void Zerl::help_lists_command_data()
     for (const char *name :
          {"run [--cell FOLDER] [--touch] [--without-namespaces]",
           "test [--sanitize | --threads | --without-namespaces]", "soak [LENGTH] [SEED]",
-          "tour [--without-namespaces]", "build ", "bench ", "lint ", "clean ", "help "})
+          "mutate [OPTIONS]", "tour [--without-namespaces]", "build ", "bench ", "lint ", "clean ",
+          "help "})
         QTest::newRow(name) << QString(name);
 }
 

@@ -153,6 +153,10 @@ void TableLoad::interp_table_is_sorted_and_computed()
 void TableLoad::interp_coefficients_are_a_straight_line()
 {
     const auto table = make_table(TABLE_INTERP, line_points(5));
+    // A bend that leaves the best straight line as it is.
+    const double bend[] = {2.0, -1.0, -2.0, -1.0, 2.0};
+    for (int i = 0; i < 5; ++i)
+        table->poly[0].y[i] += bend[i];
     set_coeffs(&table->poly[0], {9.0, 9.0, 9.0, 9.0, 9.0, 9.0});
     QVERIFY(load(*table));
     const POLY_RANGE_RECORD &range = m_cfg->table.poly[0];

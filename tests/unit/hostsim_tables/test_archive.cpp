@@ -44,6 +44,7 @@ private slots:
     void random_damage_costs_only_what_it_hits();
     void long_damage_is_crossed_data();
     void long_damage_is_crossed();
+    void damage_far_behind_a_record_is_logged();
     void all_regions_are_found_at_every_size();
     void only_the_end_of_a_long_archive_is_read();
     void a_file_that_shrinks_meanwhile();
@@ -323,6 +324,15 @@ void TestArchive::long_damage_is_crossed()
         QCOMPARE(delivered(), QByteArray("one"));
     }
     QCOMPARE(log.texts().size() > 0, with != '\n');
+}
+
+// Blank lines enough that it is not read along with the record.
+void TestArchive::damage_far_behind_a_record_is_logged()
+{
+    const HostLog log;
+    write_file(SAVE, archived(7, "one") + QByteArray(3000000, '\n') + "x");
+    QCOMPARE(delivered(), QByteArray("one"));
+    QCOMPARE(log.texts().size(), 1);
 }
 
 void TestArchive::all_regions_are_found_at_every_size()
