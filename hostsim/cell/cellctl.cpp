@@ -4,6 +4,7 @@
 // 2 a command line that is not understood.
 #include <cstdio>
 #include <cstdlib>
+#include <getopt.h>
 #include <string>
 #include <vector>
 
@@ -82,30 +83,69 @@ int show(cell::CellClient &client, const Words &words, int channel)
     return DONE;
 }
 
-// Takes an option away from the words; its value, or itself for a bare one.
-bool take_option(Words *words, const std::string &name, bool has_value, std::string *value)
+struct CommandLine {
+    std::string socket = cell::CELL_SOCKET;
+    bool help = false;
+    Words words; // the command and what it works on
+    bool now = false;
+    std::string timeout = "60";
+};
+
+// The options of a command stand anywhere behind it. A negative number is none
+// of them: it would be an option of one letter, and these have none.
+bool parse_command_options(int argc, char **argv, const option *known, CommandLine *line)
 {
-    for (std::size_t i = 1; i < words->size(); ++i) {
-        if ((*words)[i] != name || (has_value && i + 1 >= words->size()))
-            continue;
-        *value = (*words)[i + (has_value ? 1 : 0)];
-        const auto at = words->begin() + static_cast<std::ptrdiff_t>(i);
-        words->erase(at, at + (has_value ? 2 : 1));
-        return true;
+    optind = 0; // afresh
+    for (int found = 0; (found = getopt_long_only(argc, argv, "-", known, nullptr)) != -1;) {
+        const std::string word = argv[optind - 1];
+        double number = 0.0;
+        if (found == 'n')
+            line->now = true;
+        else if (found == 't')
+            line->timeout = optarg;
+        else if (found == 1 || cell::parse_number(word, &number))
+            line->words.push_back(word);
+        else
+            return false;
     }
-    return false;
+    line->words.insert(line->words.end(), argv + optind, argv + argc);
+    return true;
 }
 
-int run(cell::CellClient &client, Words words)
+bool parse_command_line(int argc, char **argv, CommandLine *line)
 {
-    std::string timeout = "60";
-    std::string ignored;
+    const option general[] = {
+        {"socket", required_argument, nullptr, 's'}, {"help", no_argument, nullptr, 'h'}, {}};
+    const option of_apply[] = {{"now", no_argument, nullptr, 'n'}, {}};
+    const option of_wait[] = {{"timeout", required_argument, nullptr, 't'}, {}};
+    opterr = 0; // the usage tells
+    for (int found = 0; (found = getopt_long(argc, argv, "+h", general, nullptr)) != -1;) {
+        if (found == 's')
+            line->socket = optarg;
+        else if (found == 'h')
+            line->help = true;
+        else
+            return false;
+    }
+    argc -= optind;
+    argv += optind;
+    if (argc == 0)
+        return line->help;
+    const std::string name = argv[0];
+    if (name != "apply" && name != "wait-settled") {
+        line->words.assign(argv, argv + argc);
+        return true;
+    }
+    line->words = {name};
+    return parse_command_options(argc, argv, name == "apply" ? of_apply : of_wait, line);
+}
+
+int run(cell::CellClient &client, const CommandLine &line)
+{
+    const Words &words = line.words;
     double seconds = 0.0;
     double value = 0.0;
     long channel = 0;
-    const bool now = words[0] == "apply" && take_option(&words, "--now", false, &ignored);
-    if (words[0] == "wait-settled")
-        take_option(&words, "--timeout", true, &timeout);
     const std::string &name = words[0];
     const std::size_t values = words.size() - 1;
     const auto done = [&client](bool ok) { return ok ? DONE : refused(client); };
@@ -119,7 +159,7 @@ int run(cell::CellClient &client, Words words)
     const int ch = static_cast<int>(channel);
     if (name == "show" && values == 1)
         return show(client, words, ch);
-    if (name == "wait-settled" && values == 1 && cell::parse_number(timeout, &seconds))
+    if (name == "wait-settled" && values == 1 && cell::parse_number(line.timeout, &seconds))
         return done(client.wait_settled(ch, seconds));
     if (name == "condition" && values == 2)
         return done(client.set_condition(ch, words[2]));
@@ -132,7 +172,7 @@ int run(cell::CellClient &client, Words words)
     if (name == "mv")
         return done(client.hold_mv(ch, value));
     if (name == "apply")
-        return done(client.apply(ch, value, now));
+        return done(client.apply(ch, value, line.now));
     return usage(stderr);
 }
 
@@ -140,16 +180,11 @@ int run(cell::CellClient &client, Words words)
 
 int main(int argc, char **argv)
 {
-    Words words(argv + 1, argv + argc);
-    std::string socket = cell::CELL_SOCKET;
-    if (words.size() >= 2 && words[0] == "--socket") {
-        socket = words[1];
-        words.erase(words.begin(), words.begin() + 2);
-    }
-    if (words.size() == 1 && (words[0] == "--help" || words[0] == "-h"))
-        return usage(stdout);
-    if (words.empty())
+    CommandLine line;
+    if (!parse_command_line(argc, argv, &line))
         return usage(stderr);
-    cell::CellClient client(socket);
-    return run(client, words);
+    if (line.help)
+        return usage(stdout);
+    cell::CellClient client(line.socket);
+    return run(client, line);
 }

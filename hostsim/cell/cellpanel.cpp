@@ -13,7 +13,13 @@ namespace
 
 constexpr int REFRESH_MS = 200;
 constexpr double OVERRANGE = 0.1; // of the span, at either end of the field
-enum Column { CHANNEL, LABEL, APPLIED, UNITS, MILLIVOLTS, CONDITION, COLUMNS };
+enum class Column { Channel, Label, Applied, Units, Millivolts, Condition };
+constexpr int COLUMNS = 6;
+
+bool is_number(Column column)
+{
+    return column == Column::Channel || column == Column::Applied || column == Column::Millivolts;
+}
 
 struct ConditionText {
     const char *name;
@@ -51,7 +57,7 @@ CellPanel::CellPanel(const QString &socket, QWidget *parent)
     QHeaderView *header = m_ui->tblChannels->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    header->setSectionResizeMode(LABEL, QHeaderView::Stretch);
+    header->setSectionResizeMode(static_cast<int>(Column::Label), QHeaderView::Stretch);
     for (const ConditionText &condition : CONDITIONS)
         m_ui->cboCondition->addItem(QString::fromLatin1(condition.in_choice),
                                     QString::fromLatin1(condition.name));
@@ -123,7 +129,7 @@ void CellPanel::fill_row(int row, const cell::ChannelState &channel)
         QTableWidgetItem *item = m_ui->tblChannels->item(row, column);
         if (item == nullptr) {
             item = new QTableWidgetItem;
-            const bool number = column == CHANNEL || column == APPLIED || column == MILLIVOLTS;
+            const bool number = is_number(static_cast<Column>(column));
             item->setTextAlignment((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
             m_ui->tblChannels->setItem(row, column, item);
         }

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <getopt.h>
 #include <spawn.h>
 #include <string>
 #include <sys/file.h>
@@ -64,28 +65,33 @@ int usage(FILE *to)
 
 bool parse_options(int argc, char **argv, Options *options)
 {
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        const bool has_value = i + 1 < argc;
-        long number = 0;
-        if (word == "--describe" && has_value)
-            options->description = argv[++i];
-        else if (word == "--socket" && has_value)
-            options->socket = argv[++i];
-        else if (word == "--ready-fd" && has_value &&
-                 cell::parse_integer(argv[++i], 0, 1000000, &number))
+    const option known[] = {{"describe", required_argument, nullptr, 'd'},
+                            {"socket", required_argument, nullptr, 's'},
+                            {"ready-fd", required_argument, nullptr, 'r'},
+                            {"end-with", required_argument, nullptr, 'e'},
+                            {"init-only", no_argument, nullptr, 'i'},
+                            {"foreground", no_argument, nullptr, 'f'},
+                            {"help", no_argument, nullptr, 'h'},
+                            {}};
+    opterr = 0; // the usage tells
+    long number = 0;
+    for (int found = 0; (found = getopt_long(argc, argv, "", known, nullptr)) != -1;) {
+        if (found == 'd')
+            options->description = optarg;
+        else if (found == 's')
+            options->socket = optarg;
+        else if (found == 'r' && cell::parse_integer(optarg, 0, 1000000, &number))
             options->ready_fd = static_cast<int>(number);
-        else if (word == "--end-with" && has_value &&
-                 cell::parse_integer(argv[++i], 1, INT_MAX, &number))
+        else if (found == 'e' && cell::parse_integer(optarg, 1, INT_MAX, &number))
             options->end_with = static_cast<pid_t>(number);
-        else if (word == "--init-only")
+        else if (found == 'i')
             options->init_only = true;
-        else if (word == "--help")
+        else if (found == 'h')
             options->help = true;
-        else if (word != "--foreground")
+        else if (found != 'f')
             return false;
     }
-    return true;
+    return optind == argc;
 }
 
 int cannot_run(const std::string &why)

@@ -50,7 +50,7 @@ bool is_locked(int file)
 void tell_death(Registry *all)
 {
     if (!all->death_told)
-        log_error(__FILE__, __LINE__, 1, LOG_HOST_LOST,
+        log_error(__FILE__, __LINE__, 1, log_number(LogCode::HostLost),
                   "the host is lost: the cell that published the memories lives no more");
     all->death_told = true;
 }
@@ -62,7 +62,7 @@ void tell_losses(Registry *all)
             continue;
         replace_pages(known->base);
         known->loss_told = true;
-        log_error(__FILE__, __LINE__, 1, LOG_HOST_LOST,
+        log_error(__FILE__, __LINE__, 1, log_number(LogCode::HostLost),
                   "the host is lost: shared memory /vornax.%d was cut short", known->id);
     }
 }
@@ -85,7 +85,7 @@ void tell_counts(Registry *all)
         if (known == nullptr || count <= 0 || count == all->count_told ||
             static_cast<std::size_t>(count) <= known->mapping.size / size)
             continue;
-        log_error(__FILE__, __LINE__, 1, LOG_MEMORY_REFUSED,
+        log_error(__FILE__, __LINE__, 1, log_number(LogCode::MemoryRefused),
                   "channel_count is %d, and shared memory /vornax.%d holds %zu records: those "
                   "behind count as not active",
                   count, id, known->mapping.size / size);

@@ -57,8 +57,8 @@ void deliver(const Line &line, char *buffer)
     memcpy(buffer, line.bytes, kept);
     buffer[kept] = '\0';
     if (cut)
-        log_error(__FILE__, __LINE__, 1, LOG_LINE_CUT, "line of %zu bytes cut to %zu: <%.40s>",
-                  line.length, kept, buffer);
+        log_error(__FILE__, __LINE__, 1, log_number(LogCode::LineCut),
+                  "line of %zu bytes cut to %zu: <%.40s>", line.length, kept, buffer);
 }
 
 // Leaves the file behind the first line that is the keyword and begins before

@@ -3,15 +3,19 @@
 // The host's log.
 #include "hostsim/runtime/log.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <string_view>
+
 #include <fcntl.h>
 #include <unistd.h>
 
 #include "host/operations.h"
+#include "hostsim/runtime/escapes.h"
 #include "hostsim/runtime/fileaccess.h"
 #include "hostsim/runtime/utf8.h"
 
@@ -36,53 +40,29 @@ private:
     int m_errno;
 };
 
-// Writes the escaped form of one byte, at most 4 bytes, and returns its length.
-std::size_t escape(char byte, bool space_too, char *out)
+// Controls; in a name, whose end a space is, the space too.
+bool must_escape(char byte, bool space_too)
 {
     const auto value = static_cast<unsigned char>(byte);
-    const char *shorts = "\\\\\nn\rr\tt";
-    for (const char *pair = shorts; *pair != '\0'; pair += 2) {
-        if (byte == pair[0]) {
-            out[0] = '\\';
-            out[1] = pair[1];
-            return 2;
-        }
-    }
-    if (value >= 0x20 && value != 0x7F && !(space_too && byte == ' ')) {
-        out[0] = byte;
-        return 1;
-    }
-    constexpr char digits[] = "0123456789abcdef";
-    out[0] = '\\';
-    out[1] = 'x';
-    out[2] = digits[value >> 4];
-    out[3] = digits[value & 15];
-    return 4;
+    return value < 0x20 || value == 0x7F || byte == '\\' || (space_too && byte == ' ');
 }
 
 // Appends the text, escaped, as far as there is room, whole characters only;
-// true when all of it found room.
-bool append_escaped(char *line, std::size_t *length, std::size_t room, const char *text,
-                    std::size_t size, bool space_too)
+// true when all of it found room. Bytes that are no UTF-8 stand as they are.
+bool append_escaped(char *line, std::size_t *length, std::size_t room, std::string_view text,
+                    bool space_too)
 {
-    std::size_t at = 0;
-    while (at < size) {
-        std::size_t bytes = utf8_length(text[at]);
-        for (std::size_t i = 1; i < bytes; ++i) {
-            if (at + i >= size || !utf8_continuation(text[at + i]))
-                bytes = 1;
-        }
-        char form[4];
-        std::size_t form_bytes = bytes;
-        if (bytes == 1)
-            form_bytes = escape(text[at], space_too, form);
-        else
-            memcpy(form, text + at, bytes);
-        if (*length + form_bytes > room)
+    while (!text.empty()) {
+        const std::size_t bytes = std::max<std::size_t>(utf8_whole(text), 1);
+        char escape[ESCAPE_BYTES];
+        std::string_view form = text.substr(0, bytes);
+        if (must_escape(text[0], space_too))
+            form = {escape, escape_byte(text[0], escape)};
+        if (*length + form.size() > room)
             return false;
-        memcpy(line + *length, form, form_bytes);
-        *length += form_bytes;
-        at += bytes;
+        memcpy(line + *length, form.data(), form.size());
+        *length += form.size();
+        text.remove_prefix(bytes);
     }
     return true;
 }
@@ -121,10 +101,10 @@ std::size_t compose(char *entry, const char *source, int32_t line, int32_t sever
                                           static_cast<int>(severity), static_cast<int>(code)));
     const char *slash = strrchr(source, '/');
     const char *base = slash != nullptr ? slash + 1 : source;
-    append_escaped(entry, &length, length + SOURCE_BYTES, base, strlen(base), true);
+    append_escaped(entry, &length, length + SOURCE_BYTES, base, true);
     length += static_cast<std::size_t>(
         snprintf(entry + length, room - length, ":%d ", static_cast<int>(line)));
-    if (!append_escaped(entry, &length, room, text, text_size, false) || !whole) {
+    if (!append_escaped(entry, &length, room, {text, text_size}, false) || !whole) {
         memcpy(entry + length, CUT_MARK, sizeof CUT_MARK - 1);
         length += sizeof CUT_MARK - 1;
     }
@@ -132,29 +112,24 @@ std::size_t compose(char *entry, const char *source, int32_t line, int32_t sever
     return length;
 }
 
-bool unescape(const std::string &text, std::string *plain, bool *cut)
+bool unescape(std::string_view text, std::string *plain, bool *cut)
 {
     plain->clear();
     *cut = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            plain->push_back(text[i]);
-            continue;
-        }
-        const char kind = ++i < text.size() ? text[i] : '\0';
-        unsigned value = 0;
-        if (kind == '+' && i + 1 == text.size())
+    while (!text.empty()) {
+        char byte = text[0];
+        std::size_t taken = 1;
+        if (text == CUT_MARK) {
             *cut = true;
-        else if (kind == '\\')
-            plain->push_back('\\');
-        else if (kind == 'n' || kind == 'r' || kind == 't')
-            plain->push_back(kind == 'n' ? '\n' : kind == 'r' ? '\r' : '\t');
-        else if (kind == 'x' && sscanf(text.substr(i + 1, 2).c_str(), "%2x", &value) == 1) {
-            plain->push_back(static_cast<char>(value));
-            i += 2;
-        } else {
-            return false;
+            return true;
         }
+        if (byte == '\\') {
+            taken += unescape_byte(text.substr(1), &byte);
+            if (taken == 1 || text[1] == '"') // a quote needs no escape here
+                return false;
+        }
+        plain->push_back(byte);
+        text.remove_prefix(taken);
     }
     return true;
 }

@@ -24,16 +24,22 @@ constexpr char LOG_FILE[] = "/cell/vornax.log";
 constexpr std::size_t LOG_ENTRY_BYTES = 4096;
 
 // Codes of the runtime's own entries.
-enum LogCode {
-    LOG_TEXT_CUT = 901,           // copyn had to cut a text
-    LOG_LINE_CUT = 902,           // a line was longer than a line buffer
-    LOG_TASK_REFUSED = 903,       // the process ends, its task was not admitted
-    LOG_MEMORY_REFUSED = 904,     // a shared memory object is not a whole memory
-    LOG_UNIT_REFUSED = 905,       // an entry of the units catalogue is not usable
-    LOG_UNITS_DATABASE = 906,     // the database of units cannot be read
-    LOG_MEMORY_UNPUBLISHED = 907, // a memory could not be published
-    LOG_HOST_LOST = 908           // the cell died, or a memory in use was cut short
+enum class LogCode : std::int32_t {
+    TextCut = 901,           // copyn had to cut a text
+    LineCut = 902,           // a line was longer than a line buffer
+    TaskRefused = 903,       // the process ends, its task was not admitted
+    MemoryRefused = 904,     // a shared memory object is not a whole memory
+    UnitRefused = 905,       // an entry of the units catalogue is not usable
+    UnitsDatabase = 906,     // the database of units cannot be read
+    MemoryUnpublished = 907, // a memory could not be published
+    HostLost = 908           // the cell died, or a memory in use was cut short
 };
+
+// As log_error takes it.
+constexpr std::int32_t log_number(LogCode code)
+{
+    return static_cast<std::int32_t>(code);
+}
 
 struct LogEntry {
     std::string time;

@@ -73,8 +73,8 @@ std::size_t whole_pages(std::size_t bytes)
 
 void refuse(const char *name, const char *fault)
 {
-    log_error(__FILE__, __LINE__, 1, LOG_MEMORY_REFUSED, "shared memory %s refused: %s", name,
-              fault);
+    log_error(__FILE__, __LINE__, 1, log_number(LogCode::MemoryRefused),
+              "shared memory %s refused: %s", name, fault);
 }
 
 // Null when header and object fit, otherwise what is wrong.
@@ -282,8 +282,8 @@ void *give_up(std::int32_t id, const char *object)
     const int why = errno;
     if (object != nullptr)
         shm_unlink(object);
-    log_error(__FILE__, __LINE__, 1, LOG_MEMORY_UNPUBLISHED, "memory %d not published: %s",
-              static_cast<int>(id), strerror(why));
+    log_error(__FILE__, __LINE__, 1, log_number(LogCode::MemoryUnpublished),
+              "memory %d not published: %s", static_cast<int>(id), strerror(why));
     errno = why;
     return nullptr;
 }

@@ -33,11 +33,9 @@ HOST_OFFSET(MemoryHeader, payload_size, 16);
 HOST_OFFSET(MemoryHeader, lives_with, 24);
 
 // Memories that only the stand-in knows.
-enum {
-    MEMORY_VARIABLES = 901, // the variable table
-    MEMORY_CONTROL = 902,   // what the cell tells the runtime
-    MEMORY_UNIT_TEXT = 903  // the units catalogue's text, see unitcatalogue.h
-};
+constexpr std::int32_t MEMORY_VARIABLES = 901; // the variable table
+constexpr std::int32_t MEMORY_CONTROL = 902;   // what the cell tells the runtime
+constexpr std::int32_t MEMORY_UNIT_TEXT = 903; // the units catalogue's text, see unitcatalogue.h
 
 struct ControlRecord {
     std::int32_t join_answer; // what join_layer returns; 0 admits

@@ -23,8 +23,8 @@ void copyn(const char *source, int32_t line, char *destination, const char *text
     memmove(destination, text, kept);
     destination[kept] = '\0';
     if (overflow)
-        log_error(source, line, 1, hostsim::LOG_TEXT_CUT, "text longer than %zu bytes cut to <%s>",
-                  size - 1, destination);
+        log_error(source, line, 1, hostsim::log_number(hostsim::LogCode::TextCut),
+                  "text longer than %zu bytes cut to <%s>", size - 1, destination);
 }
 
 int32_t string_blank(const char *text)

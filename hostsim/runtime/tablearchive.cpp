@@ -110,8 +110,9 @@ void ArchiveReader::report(std::uint64_t offset, std::string_view damaged, std::
                                std::to_string(damaged.size()) + ":" +
                                std::to_string(digest(damaged) ^ m_following) + ":" + m_path;
     if (first_report(damage))
-        log_error(SOURCE, __LINE__, 1, LOG_RECORD_DAMAGED, "%s:%zu: damaged record passed over: %s",
-                  m_path, lines_before(offset) + line, what.c_str());
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::RecordDamaged),
+                  "%s:%zu: damaged record passed over: %s", m_path, lines_before(offset) + line,
+                  what.c_str());
 }
 
 bool ArchiveReader::take_block(std::uint64_t offset, std::string_view text, TABLE_RECORD *record)
@@ -166,22 +167,22 @@ int16_t read_archive_file_poly(int32_t selector, const char *path, TABLE_RECORD 
     using namespace hostsim;
     static TABLE_RECORD delivered;
     if (path == nullptr || records == nullptr || selector != NEWEST_IN_FORCE) {
-        log_error(SOURCE, __LINE__, 1, LOG_SELECTOR_REFUSED, "%s: selector %d is not known",
-                  path == nullptr ? "" : path, selector);
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::SelectorRefused),
+                  "%s: selector %d is not known", path == nullptr ? "" : path, selector);
         return 0;
     }
     const Descriptor file = open_regular(path, O_RDONLY);
     if (!file.valid()) {
         if (errno != ENOENT)
-            log_error(SOURCE, __LINE__, 1, LOG_TABLE_UNREADABLE, "%s: cannot be read: %s", path,
-                      error_text().c_str());
+            log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::TableUnreadable),
+                      "%s: cannot be read: %s", path, error_text().c_str());
         return 0;
     }
     // Not while a record is being added. A lock that is never given back must
     // not keep a channel from being read.
     if (!lock_within(file.get(), LOCK_SH))
-        log_error(SOURCE, __LINE__, 1, LOG_ARCHIVE_LOCKED, "%s: read without a lock: %s", path,
-                  lock_fault("archive").c_str());
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::ArchiveLocked),
+                  "%s: read without a lock: %s", path, lock_fault("archive").c_str());
     ArchiveReader reader(path, file.get());
     ArchiveSearch search(
         file.get(), static_cast<std::uint64_t>(std::max<std::int64_t>(file_size(file.get()), 0)));
@@ -193,7 +194,7 @@ int16_t read_archive_file_poly(int32_t selector, const char *path, TABLE_RECORD 
         }
     }
     if (search.failed())
-        log_error(SOURCE, __LINE__, 1, LOG_TABLE_UNREADABLE, "%s: cannot be read: %s", path,
-                  error_text().c_str());
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::TableUnreadable),
+                  "%s: cannot be read: %s", path, error_text().c_str());
     return 0;
 }

@@ -4,18 +4,26 @@
 #ifndef HOSTSIM_RUNTIME_TABLELOG_H
 #define HOSTSIM_RUNTIME_TABLELOG_H
 
+#include <cstdint>
+
 namespace hostsim
 {
 
-enum TableLogCode {
-    LOG_TABLE_UNREADABLE = 921, // a table file or archive cannot be read or is damaged
-    LOG_RECORD_DAMAGED = 922,   // an archive's record was passed over
-    LOG_TABLE_UNWRITTEN = 923,  // a table file or archive cannot be written
-    LOG_TYPE_REFUSED = 924,     // a record of a type that is not stored
-    LOG_RECORD_MENDED = 925,    // a record was stored with values brought within limits
-    LOG_SELECTOR_REFUSED = 926, // a selector that is not known
-    LOG_ARCHIVE_LOCKED = 927    // an archive was read while another process kept it locked
+enum class TableLogCode : std::int32_t {
+    TableUnreadable = 921, // a table file or archive cannot be read or is damaged
+    RecordDamaged = 922,   // an archive's record was passed over
+    TableUnwritten = 923,  // a table file or archive cannot be written
+    TypeRefused = 924,     // a record of a type that is not stored
+    RecordMended = 925,    // a record was stored with values brought within limits
+    SelectorRefused = 926, // a selector that is not known
+    ArchiveLocked = 927    // an archive was read while another process kept it locked
 };
+
+// As log_error takes it.
+constexpr std::int32_t log_number(TableLogCode code)
+{
+    return static_cast<std::int32_t>(code);
+}
 
 } // namespace hostsim
 

@@ -31,13 +31,14 @@ constexpr int32_t FAILURE = 65535;
 
 void report(const std::string &path, std::size_t line, const std::string &what)
 {
-    log_error(SOURCE, __LINE__, 1, LOG_TABLE_UNREADABLE, "%s:%zu: %s", path.c_str(), line,
-              what.c_str());
+    log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::TableUnreadable), "%s:%zu: %s",
+              path.c_str(), line, what.c_str());
 }
 
 bool unwritten(const std::string &path, const std::string &why)
 {
-    log_error(SOURCE, __LINE__, 1, LOG_TABLE_UNWRITTEN, "%s: %s", path.c_str(), why.c_str());
+    log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::TableUnwritten), "%s: %s", path.c_str(),
+              why.c_str());
     return false;
 }
 
@@ -79,8 +80,8 @@ std::string block_of(const char *path, TABLE_RECORD record, int save_type)
 {
     const std::string changes = mend_record(&record);
     if (!changes.empty())
-        log_error(SOURCE, __LINE__, 1, LOG_RECORD_MENDED, "%s: stored within limits: %s", path,
-                  changes.c_str());
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::RecordMended),
+                  "%s: stored within limits: %s", path, changes.c_str());
     BlockInfo info;
     info.who = text_of(record.verified_by, sizeof record.verified_by);
     info.when = time_text(time(nullptr));
@@ -235,7 +236,7 @@ int32_t save_table_files_poly(const char *path, const TABLE_RECORD *table, int32
         return -1;
     if (table->table_type != TABLE_INTERP && table->table_type != TABLE_POLY &&
         table->table_type != TABLE_POLY_RANGE) {
-        log_error(SOURCE, __LINE__, 1, LOG_TYPE_REFUSED,
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::TypeRefused),
                   "%s: nothing added, table_type is %d, which cannot be archived", path,
                   table->table_type);
         return -1;
@@ -252,7 +253,7 @@ int32_t create_table(const char *path, const TABLE_RECORD *table)
         return -1;
     if (table->table_type != TABLE_INTERP && table->table_type != TABLE_POLY &&
         table->table_type != TABLE_SCALED && table->table_type != TABLE_POLY_RANGE) {
-        log_error(SOURCE, __LINE__, 1, LOG_TYPE_REFUSED,
+        log_error(SOURCE, __LINE__, 1, log_number(TableLogCode::TypeRefused),
                   "%s: not written, table_type is %d, which is not known", path, table->table_type);
         return -1;
     }

@@ -7,6 +7,9 @@
 #include <cstring>
 #include <ctime>
 
+#include "hostsim/runtime/escapes.h"
+#include "hostsim/runtime/utf8.h"
+
 namespace hostsim
 {
 
@@ -14,40 +17,6 @@ namespace
 {
 
 constexpr std::string_view NAN_MARK = "nan:";
-constexpr std::string_view HEX_DIGITS = "0123456789abcdef";
-
-int hex_value(char digit)
-{
-    const std::size_t value = HEX_DIGITS.find(digit);
-    return value == std::string_view::npos ? -1 : static_cast<int>(value);
-}
-
-std::uint32_t byte_at(std::string_view text, std::size_t at)
-{
-    return static_cast<unsigned char>(text[at]);
-}
-
-// Bytes of the UTF-8 character at the front, and the character; 0 when the
-// bytes are not well-formed UTF-8.
-std::size_t decode(std::string_view text, std::uint32_t *character)
-{
-    const std::uint32_t first = byte_at(text, 0);
-    if (first < 0x80) {
-        *character = first;
-        return 1;
-    }
-    const std::size_t size = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-    if (first < 0xc2 || first > 0xf4 || text.size() < size)
-        return 0;
-    *character = first & (0x7fU >> size);
-    for (std::size_t i = 1; i < size; ++i) {
-        if ((byte_at(text, i) & 0xc0) != 0x80)
-            return 0;
-        *character = (*character << 6) | (byte_at(text, i) & 0x3f);
-    }
-    constexpr std::array<std::uint32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
-    return *character < smallest[size] ? 0 : size;
-}
 
 // Controls, surrogates, line separators, invisible and direction marks would
 // hide in a terminal what the file says.
@@ -59,49 +28,6 @@ bool printable(std::uint32_t c)
     const bool none = (c >= 0xd800 && c <= 0xdfff) || (c & 0xfffe) == 0xfffe ||
                       (c >= 0xfdd0 && c <= 0xfdef) || c > 0x10ffff;
     return !control && !mark && !none;
-}
-
-void append_escaped(std::string &out, char c)
-{
-    switch (c) {
-    case '"':
-    case '\\':
-        out += '\\';
-        out += c;
-        return;
-    case '\n':
-        out += "\\n";
-        return;
-    case '\t':
-        out += "\\t";
-        return;
-    case '\r':
-        out += "\\r";
-        return;
-    default:
-        out += "\\x";
-        out += hex_text(reinterpret_cast<const unsigned char *>(&c), 1);
-    }
-}
-
-// The byte behind a backslash at the front of text; how many characters it
-// took, 0 when that is no escape.
-std::size_t unescape(std::string_view text, char *c)
-{
-    if (text.empty())
-        return 0;
-    constexpr std::string_view letters = "\"\\ntr";
-    constexpr std::string_view meanings = "\"\\\n\t\r";
-    const std::size_t letter = letters.find(text[0]);
-    if (letter != std::string_view::npos) {
-        *c = meanings[letter];
-        return 1;
-    }
-    std::string byte;
-    if (text[0] != 'x' || text.size() < 3 || !parse_hex(text.substr(1, 2), &byte))
-        return 0;
-    *c = byte[0];
-    return 3;
 }
 
 } // namespace
@@ -157,9 +83,10 @@ std::string quoted(std::string_view text)
     std::string out = "\"";
     while (!text.empty()) {
         std::uint32_t character = 0;
-        const std::size_t size = decode(text, &character);
+        const std::size_t size = utf8_decode(text, &character);
         if (size == 0 || !printable(character) || text[0] == '"' || text[0] == '\\') {
-            append_escaped(out, text[0]);
+            char escape[ESCAPE_BYTES];
+            out.append(escape, escape_byte(text[0], escape));
             text.remove_prefix(1);
         } else {
             out += text.substr(0, size);
@@ -182,7 +109,7 @@ bool unquote(std::string_view text, std::string *value)
         if (c == '"')
             return false;
         if (c == '\\') {
-            const std::size_t taken = unescape(text, &c);
+            const std::size_t taken = unescape_byte(text, &c);
             if (taken == 0)
                 return false;
             text.remove_prefix(taken);

@@ -22,7 +22,8 @@ int32_t join_layer(int32_t)
 
 void exit_auth_failure(void)
 {
-    log_error(__FILE__, __LINE__, 1, hostsim::LOG_TASK_REFUSED, "task refused, the process ends");
+    log_error(__FILE__, __LINE__, 1, hostsim::log_number(hostsim::LogCode::TaskRefused),
+              "task refused, the process ends");
     exit(EXIT_FAILURE);
 }
 

@@ -74,8 +74,8 @@ Service &service()
 
 void refuse(const CatalogueUnit &unit, const char *fault)
 {
-    log_error(__FILE__, __LINE__, 1, LOG_UNIT_REFUSED, "unit %s refused: %s", unit.keyword.c_str(),
-              fault);
+    log_error(__FILE__, __LINE__, 1, log_number(LogCode::UnitRefused), "unit %s refused: %s",
+              unit.keyword.c_str(), fault);
 }
 
 // A unit that is not like the others of its dimension would convert to nothing.
@@ -103,7 +103,8 @@ Units make_units(ut_system *system, const std::string &text)
             units.push_back(std::move(unit));
     }
     for (const std::string &fault : faults)
-        log_error(__FILE__, __LINE__, 1, LOG_UNIT_REFUSED, "units catalogue, %s", fault.c_str());
+        log_error(__FILE__, __LINE__, 1, log_number(LogCode::UnitRefused), "units catalogue, %s",
+                  fault.c_str());
     return units;
 }
 
@@ -116,7 +117,7 @@ bool open_service(Service *all)
     if (all->system == nullptr) {
         all->system = ut_read_xml(nullptr);
         if (all->system == nullptr) {
-            log_error(__FILE__, __LINE__, 1, LOG_UNITS_DATABASE,
+            log_error(__FILE__, __LINE__, 1, log_number(LogCode::UnitsDatabase),
                       "the database of units cannot be read");
             return false;
         }

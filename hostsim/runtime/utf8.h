@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Where a UTF-8 text may be cut.
+// UTF-8 byte by byte: what is a character, and where a text may be cut.
 #ifndef HOSTSIM_RUNTIME_UTF8_H
 #define HOSTSIM_RUNTIME_UTF8_H
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <string_view>
 
 namespace hostsim
 {
@@ -24,6 +27,38 @@ inline std::size_t utf8_length(char byte)
     if (lead >= 0xE0 && lead <= 0xEF)
         return 3;
     return lead >= 0xF0 && lead <= 0xF4 ? 4 : 1;
+}
+
+// Bytes of the character at the front of a text; 0 when they are none, or not
+// the whole of it. Forms longer than needed count as characters.
+inline std::size_t utf8_whole(std::string_view text)
+{
+    const std::size_t size = utf8_length(text[0]);
+    if (size == 1)
+        return static_cast<unsigned char>(text[0]) < 0x80 ? 1 : 0;
+    if (text.size() < size)
+        return 0;
+    for (std::size_t i = 1; i < size; ++i) {
+        if (!utf8_continuation(text[i]))
+            return 0;
+    }
+    return size;
+}
+
+// The same, and the character; 0 for forms longer than needed as well.
+inline std::size_t utf8_decode(std::string_view text, std::uint32_t *character)
+{
+    const std::size_t size = utf8_whole(text);
+    if (size == 0)
+        return 0;
+    *character = static_cast<unsigned char>(text[0]);
+    if (size == 1)
+        return 1;
+    *character &= 0x7FU >> size;
+    for (std::size_t i = 1; i < size; ++i)
+        *character = (*character << 6) | (static_cast<unsigned char>(text[i]) & 0x3FU);
+    constexpr std::array<std::uint32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
+    return *character < smallest[size] ? 0 : size;
 }
 
 // Number of bytes, at most limit, that can be kept of a longer text without

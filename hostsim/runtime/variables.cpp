@@ -12,7 +12,8 @@ namespace hostsim
 namespace
 {
 
-enum { NO_VARIABLE = 1, NO_VARIABLE_TABLE = 2 };
+constexpr int32_t NO_VARIABLE = 1;
+constexpr int32_t NO_VARIABLE_TABLE = 2;
 
 // What a VARIABLE_ID holds. It names the mapping that the entry was found in,
 // so the address stays good when the table is published anew in between.

@@ -8,6 +8,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <getopt.h>
 
 #include "hostsim/runtime/fileaccess.h"
 #include "hostsim/runtime/tabletext.h"
@@ -20,7 +21,7 @@ namespace
 using hostsim::BlockEntry;
 using hostsim::BlockReader;
 
-enum Status { ALL_WELL = 0, DAMAGED = 1, NOT_POSSIBLE = 2 };
+enum class Status { AllWell = 0, Damaged = 1, NotPossible = 2 };
 
 constexpr const char *USAGE = R"(usage: vxtable list FILE
        vxtable show FILE [NUMBER]
@@ -40,17 +41,17 @@ Exit status: 0 all is well; 1 a record is damaged or there is none of that
 number; 2 wrong use, or the file cannot be read.
 )";
 
-int complain(const std::string &text)
+Status complain(const std::string &text)
 {
     std::fprintf(stderr, "vxtable: %s\n", text.c_str());
-    return NOT_POSSIBLE;
+    return Status::NotPossible;
 }
 
-int wrong_use(const std::string &text)
+Status wrong_use(const std::string &text)
 {
     complain(text);
     std::fputs("Try: vxtable --help\n", stderr);
-    return NOT_POSSIBLE;
+    return Status::NotPossible;
 }
 
 void print(const std::string &text)
@@ -80,12 +81,12 @@ public:
 
     void begin() const;
     void take(const BlockEntry &entry);
-    int finish() const;
+    Status finish() const;
 
 private:
     bool is(const char *name) const { return m_name == name; }
-    int finish_show() const;
-    int finish_verify() const;
+    Status finish_show() const;
+    Status finish_verify() const;
 
     std::string m_name;
     std::string m_path;
@@ -118,42 +119,42 @@ void Command::take(const BlockEntry &entry)
         print(hostsim::csv_lines(entry));
 }
 
-int Command::finish_show() const
+Status Command::finish_show() const
 {
     if (!m_shown) {
         complain(m_path + (m_number == 0 ? " holds no record"
                                          : " holds no record " + std::to_string(m_number) +
                                                ", the last is " + std::to_string(m_count)));
-        return DAMAGED;
+        return Status::Damaged;
     }
     if (!m_shown->fault.what.empty()) {
         tell_damage(m_path, *m_shown);
-        return DAMAGED;
+        return Status::Damaged;
     }
     print(hostsim::show_text(*m_shown));
-    return ALL_WELL;
+    return Status::AllWell;
 }
 
-int Command::finish_verify() const
+Status Command::finish_verify() const
 {
     const bool none = m_count == 0 && is_table_file(m_path);
     if (none)
         std::fprintf(stderr, "%s:1: the file holds no record\n", m_path.c_str());
     print(m_path + ": " + std::to_string(m_count - m_damaged) + " whole, " +
           std::to_string(m_damaged) + " damaged\n");
-    return none || m_damaged > 0 ? DAMAGED : ALL_WELL;
+    return none || m_damaged > 0 ? Status::Damaged : Status::AllWell;
 }
 
-int Command::finish() const
+Status Command::finish() const
 {
     if (is("show"))
         return finish_show();
     if (is("verify"))
         return finish_verify();
-    return m_damaged > 0 ? DAMAGED : ALL_WELL;
+    return m_damaged > 0 ? Status::Damaged : Status::AllWell;
 }
 
-int run(const std::string &name, const std::string &path, std::size_t number)
+Status run(const std::string &name, const std::string &path, std::size_t number)
 {
     const hostsim::Descriptor file = hostsim::open_regular(path.c_str(), O_RDONLY);
     if (!file.valid())
@@ -167,35 +168,50 @@ int run(const std::string &name, const std::string &path, std::size_t number)
         command.take(entry);
     if (reader.failed())
         return complain(path + ": " + hostsim::error_text());
-    const int status = command.finish();
+    const Status status = command.finish();
     if (std::fflush(stdout) != 0)
         return complain("the output cannot be written: " + hostsim::error_text());
     return status;
+}
+
+Status run_command(int argc, char **argv)
+{
+    const std::string name = argv[0];
+    if (name != "list" && name != "show" && name != "verify" && name != "export")
+        return wrong_use("there is no command " + hostsim::quoted(name));
+    if (argc < 2)
+        return wrong_use(name + " needs a FILE");
+    std::int64_t number = 0;
+    const bool numbered = name == "show" && argc == 3;
+    if (numbered && (!hostsim::parse_integer(argv[2], &number) || number < 1))
+        return wrong_use(hostsim::quoted(argv[2]) + " is no record's number; the first is 1");
+    if (argc > 2 && !numbered)
+        return wrong_use(name + " takes no more than a FILE" +
+                         (name == "show" ? " and a NUMBER" : ""));
+    return run(name, argv[1], static_cast<std::size_t>(number));
+}
+
+Status run_command_line(int argc, char **argv)
+{
+    const option known[] = {{"help", no_argument, nullptr, 'h'}, {}};
+    opterr = 0; // told below
+    const int found = getopt_long(argc, argv, "+h", known, nullptr);
+    if (found == 'h' || (argc > 1 && std::strcmp(argv[1], "help") == 0)) {
+        print(USAGE);
+        return Status::AllWell;
+    }
+    if (found != -1)
+        return wrong_use("there is no option " + hostsim::quoted(argv[1]));
+    if (optind == argc) {
+        std::fputs(USAGE, stderr);
+        return Status::NotPossible;
+    }
+    return run_command(argc - optind, argv + optind);
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const std::string name = argc > 1 ? argv[1] : "";
-    if (name == "--help" || name == "-h" || name == "help") {
-        print(USAGE);
-        return ALL_WELL;
-    }
-    if (name.empty()) {
-        std::fputs(USAGE, stderr);
-        return NOT_POSSIBLE;
-    }
-    if (name != "list" && name != "show" && name != "verify" && name != "export")
-        return wrong_use("there is no command " + hostsim::quoted(name));
-    if (argc < 3)
-        return wrong_use(name + " needs a FILE");
-    std::int64_t number = 0;
-    const bool numbered = name == "show" && argc == 4;
-    if (numbered && (!hostsim::parse_integer(argv[3], &number) || number < 1))
-        return wrong_use(hostsim::quoted(argv[3]) + " is no record's number; the first is 1");
-    if (argc > 3 && !numbered)
-        return wrong_use(name + " takes no more than a FILE" +
-                         (name == "show" ? " and a NUMBER" : ""));
-    return run(name, argv[2], static_cast<std::size_t>(number));
+    return static_cast<int>(run_command_line(argc, argv));
 }

@@ -25,6 +25,7 @@ private slots:
     void cleanup();
     void command_data();
     void command();
+    void help_is_the_output();
     void list_shows_all();
     void show_tells_the_reading();
     void waits_until_settled();
@@ -100,12 +101,20 @@ void Commands::command_data()
     QTest::newRow("apply a negative value") << "apply 0 -50" << 0 << "";
     QTest::newRow("apply without lag") << "apply --now 5 50" << 0 << "";
     QTest::newRow("apply without lag, option last") << "apply 5 50 --now" << 0 << "";
+    QTest::newRow("apply a negative value, option last") << "apply 5 -0.5 --now" << 0 << "";
+    QTest::newRow("apply a negative value, option first") << "apply --now 5 -5" << 0 << "";
+    QTest::newRow("apply behind the end of options") << "apply --now -- 5 -5e-1" << 0 << "";
+    QTest::newRow("wait, option last") << "wait-settled 0 --timeout 60" << 0 << "";
+    QTest::newRow("wait, option with its value") << "wait-settled --timeout=60 0" << 0 << "";
     QTest::newRow("hold") << "mv 0 1.5" << 0 << "";
     QTest::newRow("let go") << "mv 0 auto" << 0 << "";
     QTest::newRow("condition") << "condition 0 drifted2" << 0 << "";
     QTest::newRow("condition without its degree") << "condition 0 drifted" << 0 << "";
     QTest::newRow("set") << "set 0 label Other" << 0 << "";
     QTest::newRow("socket") << "--socket /cell/cell.sock show 0" << 0 << "";
+    QTest::newRow("text that looks like an option") << "set 0 label --now" << 0 << "";
+    QTest::newRow("socket with its value") << "--socket=/cell/cell.sock list" << 0 << "";
+    QTest::newRow("short help") << "-h" << 0 << "";
     QTest::newRow("help") << "--help" << 0 << "";
     QTest::newRow("no such channel") << "apply 99 50" << 1 << "cellctl: no such channel: 99";
     QTest::newRow("no such condition")
@@ -116,6 +125,12 @@ void Commands::command_data()
     QTest::newRow("no cell at that socket")
         << "--socket /cell/none list" << 1 << "cellctl: /cell/none: No such file or directory";
     QTest::newRow("nothing") << "" << 2 << usage;
+    QTest::newRow("unknown option") << "--fast list" << 2 << usage;
+    QTest::newRow("option of another command") << "apply --timeout 1 0 5" << 2 << usage;
+    QTest::newRow("option with too much") << "apply --now=1 0 5" << 2 << usage;
+    QTest::newRow("option of no command") << "apply -x 0 5" << 2 << usage;
+    QTest::newRow("option without its value") << "wait-settled 0 --timeout" << 2 << usage;
+    QTest::newRow("socket missing") << "--socket" << 2 << usage;
     QTest::newRow("unknown") << "jump 0 1" << 2 << usage;
     QTest::newRow("value missing") << "apply 0" << 2 << usage;
     QTest::newRow("value that is none") << "apply 0 full" << 2 << usage;
@@ -132,6 +147,16 @@ void Commands::command()
     QTEST(done.status, "status");
     QVERIFY2(error.isEmpty() ? done.error.isEmpty() : done.error.startsWith(error),
              qPrintable(done.error));
+}
+
+void Commands::help_is_the_output()
+{
+    for (const QString program : {"cellctl", "trainingcell"}) {
+        const Run help = run(program, {"--help"});
+        QCOMPARE(help.status, 0);
+        QVERIFY2(help.output.startsWith("usage: " + program + " ["), qPrintable(help.output));
+        QCOMPARE(help.error, QString());
+    }
 }
 
 void Commands::list_shows_all()

@@ -212,6 +212,9 @@ void TrainingCell::wrong_options_data()
     QTest::newRow("unknown option") << QStringList{"--fast"} << 2 << "usage: trainingcell";
     QTest::newRow("option without value")
         << QStringList{"--describe"} << 2 << "usage: trainingcell";
+    QTest::newRow("word that is no option") << QStringList{"now"} << 2 << "usage: trainingcell";
+    QTest::newRow("help beside a wrong option")
+        << QStringList{"--help", "--fast"} << 2 << "usage: trainingcell";
     QTest::newRow("descriptor that is none")
         << QStringList{"--ready-fd", "x"} << 2 << "usage: trainingcell";
     QTest::newRow("no description") << QStringList{"--describe", "/cell/none.txt"} << 2

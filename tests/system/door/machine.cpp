@@ -12,9 +12,9 @@ namespace
 {
 
 // What a bare Debian has and ./zerl calls.
-const QStringList TOOLS{"sh",    "cat",  "chmod",   "dirname", "env",   "find", "grep", "head",
-                        "kill",  "ls",   "mkdir",   "mktemp",  "nproc", "pwd",  "rm",   "sed",
-                        "sleep", "sort", "timeout", "tr",      "true",  "xargs"};
+const QStringList TOOLS{"sh",   "cat",   "chmod", "dirname", "env",   "find", "grep",     "head",
+                        "kill", "ls",    "mkdir", "mktemp",  "nproc", "pwd",  "readlink", "rm",
+                        "sed",  "sleep", "sort",  "timeout", "tr",    "true", "xargs"};
 
 void write_file(const QString &path, const QString &text)
 {
@@ -30,8 +30,10 @@ Machine::Machine()
 {
     QDir().mkpath(tree());
     QDir().mkpath(m_folder.filePath("bin"));
-    if (!QFile::copy(QString(PROJECT_SOURCE_DIR) + "/zerl", path("zerl")))
-        qFatal("no ./zerl");
+    copy_from_project("zerl");
+    for (const QString &name :
+         QDir(QString(PROJECT_SOURCE_DIR) + "/tools/door").entryList({"*.sh"}))
+        copy_from_project("tools/door/" + name);
     for (const QString &tool : TOOLS) {
         const QString place = QStandardPaths::findExecutable(tool);
         if (!place.isEmpty())
@@ -50,6 +52,13 @@ Machine::Machine()
     environment("CI", "true");
     environment("HOME", m_folder.filePath("home"));
     environment("TMPDIR", m_folder.path());
+}
+
+void Machine::copy_from_project(const QString &name) const
+{
+    QDir().mkpath(QFileInfo(path(name)).path());
+    if (!QFile::copy(QString(PROJECT_SOURCE_DIR) + '/' + name, path(name)))
+        qFatal("no ./%s", qPrintable(name));
 }
 
 QString Machine::tree() const
@@ -111,10 +120,22 @@ bool Machine::exists(const QString &name) const
 
 Outcome Machine::zerl(const QStringList &arguments, const QString &input)
 {
+    return start(path("zerl"), arguments, input);
+}
+
+Outcome Machine::zerl_by_link(const QStringList &arguments)
+{
+    const QString link = m_folder.filePath("link");
+    QFile::link(path("zerl"), link);
+    return start(link, arguments, {});
+}
+
+Outcome Machine::start(const QString &script, const QStringList &arguments, const QString &input)
+{
     QProcess process;
     process.setEnvironment(m_environment);
     process.setWorkingDirectory(m_folder.path());
-    process.start("/bin/sh", QStringList{path("zerl")} + arguments);
+    process.start("/bin/sh", QStringList{script} + arguments);
     process.write(input.toUtf8());
     process.closeWriteChannel();
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)

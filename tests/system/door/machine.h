@@ -36,11 +36,15 @@ public:
     bool exists(const QString &name) const;
 
     Outcome zerl(const QStringList &arguments, const QString &input = {});
+    Outcome zerl_by_link(const QStringList &arguments); // a link outside the tree
 
     // Recorded calls that begin with that text.
     QStringList calls(const QString &beginning) const;
 
 private:
+    Outcome start(const QString &script, const QStringList &arguments, const QString &input);
+    void copy_from_project(const QString &name) const;
+
     QTemporaryDir m_folder;
     QStringList m_environment;
 };

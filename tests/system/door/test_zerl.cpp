@@ -22,6 +22,8 @@ private slots:
     void says_what_to_type_data();
     void says_what_to_type();
     void lint_packages_are_for_lint();
+    void analysis_knows_no_precompiled_header();
+    void link_builds_the_tree_it_leads_to();
     void tests_pass_their_status_on();
     void tests_take_turns_without_name_spaces();
     void sanitized_tests();
@@ -220,12 +222,39 @@ void Zerl::lint_packages_are_for_lint()
     QCOMPARE(
         machine.calls("clang-format --dry-run -Werror --ferror-limit=1 src/frame/a.cpp").size(), 1);
     QCOMPARE(machine.calls("clang-tidy").size(), 1);
-    QCOMPARE(machine.calls("shellcheck zerl").size(), 1);
+    const QStringList scripts = machine.calls("shellcheck ");
+    QCOMPARE(scripts.size(), 1);
+    QVERIFY2(scripts[0].contains(" tools/door/lint.sh "), qPrintable(scripts[0]));
+    QVERIFY2(scripts[0].endsWith(" zerl"), qPrintable(scripts[0]));
     machine.command("clang-tidy", "echo a finding; exit 1");
     const Outcome found = machine.zerl({"lint"});
     QCOMPARE(found.status, 1);
     QVERIFY2(found.output.contains("a finding"), qPrintable(found.output));
     QVERIFY2(found.errors.contains("these checks failed: clang-tidy"), qPrintable(found.errors));
+}
+
+void Zerl::analysis_knows_no_precompiled_header()
+{
+    Machine machine;
+    machine.command("clang-format", "");
+    machine.command("clang-tidy", "cat \"$2/compile_commands.json\"; exit 1");
+    machine.command("shellcheck", "");
+    machine.write("src/frame/a.cpp", "int a;\n");
+    const QString before = R"("command": "c++ -Iinclude)";
+    const QString after = R"( -o a.o -c a.cpp",)";
+    machine.write("build/compile_commands.json",
+                  before + " -Winvalid-pch -include /x/cmake_pch.hxx" + after + "\n" + before +
+                      R"( -Winvalid-pch -include \"/x y/cmake_pch.hxx\")" + after + "\n");
+    const Outcome outcome = machine.zerl({"lint"});
+    QVERIFY2(outcome.output.contains(before + after + "\n" + before + after),
+             qPrintable(outcome.output));
+}
+
+void Zerl::link_builds_the_tree_it_leads_to()
+{
+    Machine machine;
+    QCOMPARE(machine.zerl_by_link({"build"}).status, 0);
+    QVERIFY(machine.exists("build/configured"));
 }
 
 void Zerl::tests_pass_their_status_on()

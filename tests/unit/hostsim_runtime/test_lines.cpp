@@ -204,7 +204,7 @@ void Lines::long_lines_are_cut_and_logged()
         const QList<hostsim::LogEntry> entries = log_entries();
         QCOMPARE(entries.size(), kept < line.size() ? 1 : 0);
         if (!entries.isEmpty())
-            QCOMPARE(entries[0].code, static_cast<int>(hostsim::LOG_LINE_CUT));
+            QCOMPARE(entries[0].code, static_cast<int>(hostsim::LogCode::LineCut));
         QCOMPARE(get_next_line(file.get(), buffer), 0);
         QCOMPARE(buffer, "next");
     }

@@ -234,6 +234,8 @@ void Log::foreign_lines_are_no_entries_data()
     QTest::newRow("no text") << QByteArray("2024-05-17T09:30:00.125Z 1 77 main.cpp:1");
     QTest::newRow("unknown escape") << QByteArray("2024-05-17T09:30:00.125Z 1 77 m:1 \\q");
     QTest::newRow("torn in an escape") << QByteArray("2024-05-17T09:30:00.125Z 1 77 m:1 a\\");
+    QTest::newRow("quote escaped") << QByteArray("2024-05-17T09:30:00.125Z 1 77 m:1 a\\\"");
+    QTest::newRow("half a code") << QByteArray("2024-05-17T09:30:00.125Z 1 77 m:1 a\\x1");
     QTest::newRow("torn in a code") << QByteArray("2024-05-17T09:30:00.125Z 1 77 m:1 a\\x");
 }
 

@@ -251,7 +251,7 @@ void Memory::left_by_a_dead_publisher_it_counts_as_none()
     QCOMPARE(pointer, static_cast<void *>(this));
     QCOMPARE(value_of(payload), 4.0); // who had it keeps it
     QCOMPARE(log_lines().size(), 1);
-    QCOMPARE(log_entries().value(0).code, static_cast<int>(LOG_HOST_LOST));
+    QCOMPARE(log_entries().value(0).code, static_cast<int>(LogCode::HostLost));
     QVERIFY(publish(5.0) != nullptr);
     QCOMPARE(value_of(get_shrd_mem(ID, 0)), 5.0);
 }
@@ -324,7 +324,7 @@ void Memory::memory_cut_short_is_survived()
         QVERIFY(read[at] == 'k' || (read[at] == 'w' && at + 64 < left));
     const QList<LogEntry> entries = log_entries();
     QVERIFY(!entries.isEmpty());
-    QCOMPARE(entries[0].code, static_cast<int>(LOG_HOST_LOST));
+    QCOMPARE(entries[0].code, static_cast<int>(LogCode::HostLost));
     QCOMPARE(entries[0].text,
              "the host is lost: shared memory " + std::string(path + 8) + " was cut short");
     const int told = entries.size();
@@ -448,7 +448,7 @@ void Memory::unsound_objects_are_refused()
     QVERIFY(get_shrd_mem(ID, 0) == nullptr);
     const QList<LogEntry> entries = log_entries();
     QCOMPARE(entries.size(), 1);
-    QCOMPARE(entries[0].code, static_cast<int>(LOG_MEMORY_REFUSED));
+    QCOMPARE(entries[0].code, static_cast<int>(LogCode::MemoryRefused));
     QVERIFY(entries[0].text.find("/vornax.5 refused") != std::string::npos);
     void *pointer = &bytes;
     QCOMPARE(link_to_memory(ID, &pointer), 0);
@@ -469,7 +469,7 @@ void Memory::a_publisher_without_room_says_so()
         return publish(2.0, 1000000) == nullptr && errno == EFBIG ? 0 : 1;
     });
     QCOMPARE(status, 0);
-    QCOMPARE(log_entries().value(0).code, static_cast<int>(LOG_MEMORY_UNPUBLISHED));
+    QCOMPARE(log_entries().value(0).code, static_cast<int>(LogCode::MemoryUnpublished));
     QCOMPARE(value_of(get_shrd_mem(ID, 0)), 1.0);
     QCOMPARE(objects(), QStringList(QStringLiteral("vornax.5")));
 }

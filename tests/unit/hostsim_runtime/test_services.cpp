@@ -122,7 +122,7 @@ void Services::copyn_logs_the_callers_place()
     QCOMPARE(entries.size(), 1);
     QCOMPARE(entries[0].source, std::string("configdialog2.cpp"));
     QCOMPARE(entries[0].line, 321);
-    QCOMPARE(entries[0].code, static_cast<int>(hostsim::LOG_TEXT_CUT));
+    QCOMPARE(entries[0].code, static_cast<int>(hostsim::LogCode::TextCut));
     QVERIFY(entries[0].text.find("<too>") != std::string::npos);
 }
 

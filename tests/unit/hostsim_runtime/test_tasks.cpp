@@ -92,7 +92,7 @@ void Tasks::authentication_failure_logs_and_exits()
     QCOMPARE(refused.readAllStandardError(), QByteArray());
     const QList<LogEntry> entries = log_entries();
     QCOMPARE(entries.size(), 2);
-    QCOMPARE(entries[0].code, static_cast<int>(LOG_TASK_REFUSED));
+    QCOMPARE(entries[0].code, static_cast<int>(LogCode::TaskRefused));
     QCOMPARE(entries[1].text, std::string("ran"));
 }
 

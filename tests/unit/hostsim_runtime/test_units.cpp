@@ -396,7 +396,7 @@ void UnitService::without_the_database_nothing_converts()
     QVERIFY2(output.contains("3 passed"), output.constData());
     // The library's own messages are kept away, the log says it.
     QCOMPARE(process.readAllStandardError(), QByteArray());
-    QCOMPARE(log_entries().value(0).code, static_cast<int>(hostsim::LOG_UNITS_DATABASE));
+    QCOMPARE(log_entries().value(0).code, static_cast<int>(hostsim::LogCode::UnitsDatabase));
 }
 
 void UnitService::unusable_entries_are_refused()
@@ -411,7 +411,7 @@ void UnitService::unusable_entries_are_refused()
     const QList<hostsim::LogEntry> entries = log_entries();
     QCOMPARE(entries.size(), 3);
     for (const hostsim::LogEntry &entry : entries)
-        QCOMPARE(entry.code, static_cast<int>(hostsim::LOG_UNIT_REFUSED));
+        QCOMPARE(entry.code, static_cast<int>(hostsim::LogCode::UnitRefused));
     QVERIFY(entries[0].text.find("NOTHING") != std::string::npos);
     QVERIFY(entries[1].text.find("ODD") != std::string::npos);
     QVERIFY(entries[2].text.find("line 4") != std::string::npos);

@@ -69,6 +69,8 @@ void TestVxtable::wrong_use_data()
     QTest::newRow("nothing") << QStringList() << "usage: vxtable list FILE";
     QTest::newRow("unknown command")
         << QStringList{"lsit", "x"} << "vxtable: there is no command \"lsit\"";
+    QTest::newRow("unknown option")
+        << QStringList{"--all", "list", "a"} << "vxtable: there is no option \"--all\"";
     QTest::newRow("no file") << QStringList{"verify"} << "vxtable: verify needs a FILE";
     QTest::newRow("two files") << QStringList{"verify", "a", "b"}
                                << "vxtable: verify takes no more than a FILE";
