@@ -42,10 +42,9 @@ int ask(const QString &title, const QString &text)
 
 void BoxAnswererTest::presses_the_button_data()
 {
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<int>("result");
-    QTest::newRow("OK") << "OK" << int(QMessageBox::Ok);
-    QTest::newRow("Cancel") << "Cancel" << int(QMessageBox::Cancel);
+    const auto row = test_columns<QString, int>("button", "result");
+    row("OK", "OK", int(QMessageBox::Ok));
+    row("Cancel", "Cancel", int(QMessageBox::Cancel));
 }
 
 void BoxAnswererTest::presses_the_button()
@@ -124,26 +123,13 @@ void BoxAnswererTest::dialog_left_open_is_rejected()
 
 void BoxAnswererTest::unexpected_box_data()
 {
-    QTest::addColumn<QString>("title"); // expected; empty: nothing is
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("why");
-    QTest::newRow("nothing expected") << ""
-                                      << ""
-                                      << ""
-                                      << "nothing was expected";
-    QTest::newRow("other title") << "Other"
-                                 << "Text"
-                                 << "OK"
-                                 << "expected was Other: Text";
-    QTest::newRow("other text") << "Title"
-                                << "Other"
-                                << "OK"
-                                << "expected was Title: Other";
-    QTest::newRow("no such button") << "Title"
-                                    << "Text"
-                                    << "Save"
-                                    << "it has no button \"Save\"";
+    // title: expected; empty: nothing is
+    const auto row =
+        test_columns<QString, QString, QString, QString>("title", "text", "button", "why");
+    row("nothing expected", "", "", "", "nothing was expected");
+    row("other title", "Other", "Text", "OK", "expected was Other: Text");
+    row("other text", "Title", "Other", "OK", "expected was Title: Other");
+    row("no such button", "Title", "Text", "Save", "it has no button \"Save\"");
 }
 
 void BoxAnswererTest::unexpected_box()

@@ -11,6 +11,18 @@
 #endif
 #include <QtTest>
 
+// The columns of a test's data, and what adds a row of them:
+//     const auto row = test_columns<double, int>("value", "status");
+//     row("no error", 50.0, 0);
+template <typename... Types, typename... Names> auto test_columns(Names... names)
+{
+    (QTest::addColumn<Types>(names), ...);
+    return [](const char *name, const Types &...values) {
+        QTestData &data = QTest::newRow(name);
+        (data << ... << values);
+    };
+}
+
 struct TestClass {
     const char *file; // __FILE__ of the class
     int (*run)(int argc, char **argv);

@@ -469,11 +469,14 @@ void Model::save_reused()
     session.table_dirty = 0;
 }
 
+// A tick that comes while a box stands meanwhile still finds the former record.
 void Model::rebuild()
 {
     rebuilt = true;
-    bind_channel(&session);
-    session.table_dirty = 0;
+    Session local = session;
+    bind_channel(&local);
+    local.table_dirty = 0;
+    session = local;
 }
 
 } // namespace walk

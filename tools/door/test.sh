@@ -70,6 +70,6 @@ command_mutate() {
     # shellcheck disable=SC2086 # lists of words
     set_up $packages_display ccache python3
     bwrap --ro-bind / / --dev-bind /proc /proc true 2>/dev/null || jobs=1
-    cd "$from" # paths as the caller meant them
+    cd "$from" || exit # paths as the caller meant them
     exec python3 "$here/tests/mutate.py" --jobs "$jobs" "$@"
 }

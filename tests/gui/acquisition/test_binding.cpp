@@ -18,12 +18,10 @@ class Binding : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void record_of_the_bound_channel();
     void three_points_bound_and_none_captured();
-    void previous_calibration_is_a_copy();
-    void unused_points_are_zero();
     void switch_resets();
     void switch_resets_the_form();
     void switch_keeps();
@@ -40,16 +38,6 @@ private slots:
 private:
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Binding::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Binding::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void Binding::record_of_the_bound_channel()
 {
@@ -79,25 +67,6 @@ void Binding::three_points_bound_and_none_captured()
     QCOMPARE(m_it->form->btnRecordData->styleSheet(),
              QStringLiteral("background-color: rgb(238, 238,238)"));
     QVERIFY(m_it->form->btnRecordData->isEnabled());
-}
-
-void Binding::previous_calibration_is_a_copy()
-{
-    m_it->bind_afresh(0);
-    QVERIFY(std::memcmp(&g_cfg->long_previous, &g_cfg->long_current, sizeof(LONG_TABLE)) == 0);
-}
-
-void Binding::unused_points_are_zero()
-{
-    m_it->bind_afresh(8);
-    QCOMPARE(g_cfg->long_current.num_points, int16_t(64));
-    QVERIFY(g_cfg->long_current.x[63] != 0.0);
-    m_it->bind_afresh(1);
-    for (int i = 3; i < MAX_POINTS; ++i) {
-        QCOMPARE(g_cfg->long_current.x[i], 0.0);
-        QCOMPARE(g_cfg->long_current.y[i], 0.0);
-    }
-    QCOMPARE(m_it->window->row(63)->value_field()->text(), QStringLiteral("  0.0000"));
 }
 
 void Binding::switch_resets()

@@ -28,8 +28,8 @@ class Capture : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void capture_takes_reading_and_reference();
     void capture_of_the_same_reference_at_the_same_millivolts();
@@ -44,7 +44,6 @@ private slots:
     void refused_capture_of_a_new_point_has_grown_the_count();
     void row_64_can_be_captured();
     void capture_on_a_channel_without_table();
-    void capture_with_a_wrong_sensor_range_opens_the_table_information();
 
     void undo_reverts_the_millivolts_and_keeps_the_reference();
     void undo_of_a_new_point_lowers_the_count();
@@ -60,16 +59,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Capture::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Capture::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 // Five points from 0 to 5000 mV, none captured, as a fresh table has them.
 void Capture::init()
@@ -331,44 +320,6 @@ void Capture::capture_on_a_channel_without_table()
     QCOMPARE(g_cfg->long_current.x[0], 10.0);
     QCOMPARE(row(0)->caption(), QStringLiteral("Undo"));
     QVERIFY(answerer.met().isEmpty());
-}
-
-void Capture::capture_with_a_wrong_sensor_range_opens_the_table_information()
-{
-    QVERIFY(m_it->reading(1300.0));
-    g_cfg->table.sensor_range_max = -5.0;
-    const LONG_TABLE before = g_cfg->long_current;
-    BoxAnswerer answerer;
-    const QString text =
-        QStringLiteral("The Sensor Lower Range Value is greater than the Upper Range Value."
-                       "\n\nPress OK to update Table Information");
-    answerer.expect(QStringLiteral("Update Data"), text);
-    bool free = true;
-    answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
-                           [&](QDialog *dialog) {
-                               free = m_it->mutex_is_free();
-                               dialog->reject();
-                           });
-    m_it->form->lblSerialNumber->setText(QStringLiteral("as it was"));
-    m_it->button(1)->click();
-    QVERIFY(!free);
-    QCOMPARE(m_it->form->lblSerialNumber->text(), QStringLiteral("as it was"));
-    QCOMPARE(row(1)->state, int32_t(POINT_AS_IN_TABLE));
-    QCOMPARE(row(1)->caption(), QStringLiteral("Capture"));
-    QVERIFY(std::memcmp(&before, &g_cfg->long_current, sizeof before) == 0);
-
-    answerer.expect(QStringLiteral("Update Data"), text);
-    answerer.expect_dialog(QStringLiteral("Transducer Calibration Configuration"),
-                           [](QDialog *dialog) {
-                               g_cfg->table.sensor_range_max = 100.0;
-                               dialog->done(QDialog::Accepted);
-                           });
-    m_it->button(1)->click();
-    QCOMPARE(m_it->form->lblSerialNumber->text(), QStringLiteral("SERIAL0"));
-    QCOMPARE(row(1)->caption(), QStringLiteral("Capture")); // pressed again for that
-    QCOMPARE(g_captured_points, 0);
-    m_it->button(1)->click();
-    QCOMPARE(row(1)->caption(), QStringLiteral("Undo"));
 }
 
 void Capture::undo_reverts_the_millivolts_and_keeps_the_reference()

@@ -12,16 +12,9 @@ class ChannelList : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void only_channels_whose_active_is_1_are_listed();
-    void item_text_data();
-    void item_text();
-    void channel_of_an_item_data();
-    void channel_of_an_item();
-    void number_out_of_range_data();
-    void number_out_of_range();
-    void channel_not_active();
     void channel_whose_active_is_2_can_be_bound();
     void binding_in_the_window_skips_a_channel_that_is_not_active_data();
     void binding_in_the_window_skips_a_channel_that_is_not_active();
@@ -30,16 +23,6 @@ private slots:
 private:
     std::unique_ptr<TestWindow> m_it;
 };
-
-void ChannelList::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void ChannelList::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void ChannelList::only_channels_whose_active_is_1_are_listed()
 {
@@ -51,84 +34,6 @@ void ChannelList::only_channels_whose_active_is_1_are_listed()
                           "    3  -  Channel Three", "    4  -  Channel Four",
                           "    5  -  Channel Five", "    6  -  Channel Six",
                           "    8  -  Channel Eight", "    9  -  Channel Nine"}));
-}
-
-void ChannelList::item_text_data()
-{
-    QTest::addColumn<int>("channel");
-    QTest::addColumn<QString>("prefix");
-    QTest::newRow("one digit") << 7 << "    7  -  ";
-    QTest::newRow("five digits") << 32766 << "32766  -  ";
-    QTest::newRow("zero") << 0 << "    0  -  ";
-}
-
-void ChannelList::item_text()
-{
-    QFETCH(int, channel);
-    QFETCH(QString, prefix);
-    QCOMPARE(channel_item_prefix(channel), prefix);
-}
-
-void ChannelList::channel_of_an_item_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("is_channel");
-    QTest::addColumn<int>("channel");
-    QTest::newRow("a channel") << "   12  -  Oil Pressure" << true << 12;
-    QTest::newRow("a label that is a number") << "    3  -  4711" << true << 3;
-    QTest::newRow("no label") << "32766  -  " << true << 32766;
-    QTest::newRow("the first line") << "Select A Channel" << false << -7;
-    QTest::newRow("more than a short integer holds") << "32768  -  X" << false << -7;
-    QTest::newRow("empty") << "" << false << -7;
-    QTest::newRow("blanks") << "    " << false << -7;
-}
-
-void ChannelList::channel_of_an_item()
-{
-    QFETCH(QString, text);
-    QFETCH(bool, is_channel);
-    QFETCH(int, channel);
-    int16_t found = -7;
-    QCOMPARE(channel_of_item(text, &found), is_channel);
-    QCOMPARE(int(found), channel);
-}
-
-void ChannelList::number_out_of_range_data()
-{
-    QTest::addColumn<int>("channel");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("below 0") << -1 << "Channel '-1' is Out of Range";
-    QTest::newRow("equal to the number of channels") << 10 << "Channel '10' is Out of Range";
-    QTest::newRow("far beyond") << 32767 << "Channel '32767' is Out of Range";
-}
-
-void ChannelList::number_out_of_range()
-{
-    QFETCH(int, channel);
-    QFETCH(QString, text);
-    QCOMPARE(Sys_attr->channel_count, int16_t(10));
-    auto record = std::make_unique<ZERL_CFG>();
-    record->channel = static_cast<int16_t>(channel);
-    record->long_current.num_points = 9;
-    g_captured_points = 4;
-    BoxAnswerer answerer;
-    answerer.expect(QStringLiteral("Information"), text);
-    QCOMPARE(bind_channel(record.get()), -1);
-    QCOMPARE(answerer.met().size(), 1);
-    QCOMPARE(record->long_current.num_points, int16_t(9));
-    QCOMPARE(g_captured_points, 0); // in all cases
-}
-
-void ChannelList::channel_not_active()
-{
-    auto record = std::make_unique<ZERL_CFG>();
-    record->channel = 2;
-    g_captured_points = 4;
-    BoxAnswerer answerer;
-    answerer.expect(QStringLiteral("Information"), QStringLiteral("Channel '2' is not Active"));
-    QCOMPARE(bind_channel(record.get()), -1);
-    QCOMPARE(g_captured_points, 0);
-    QCOMPARE(record->tbl_path[0], '\0');
 }
 
 void ChannelList::channel_whose_active_is_2_can_be_bound()

@@ -31,8 +31,8 @@ class CountAndTime : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void refused_count_data();
     void refused_count();
     void count_of_2_and_64();
@@ -41,7 +41,6 @@ private slots:
     void count_lowered_from_8_to_5();
     void raised_again_copies_the_last_valid_point();
     void same_count_again();
-    void count_in_mid_process();
     void count_holds_the_mutex_to_the_end();
     void refused_time_data();
     void refused_time();
@@ -56,16 +55,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void CountAndTime::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void CountAndTime::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 // None of the points captured: the file may say that they are, and a binding
 // leaves the rows' own states.
@@ -270,27 +259,6 @@ void CountAndTime::same_count_again()
     g_cfg->table_dirty = 1;
     type_count(QStringLiteral("5"));
     QCOMPARE(g_cfg->table_dirty, uint16_t(1));
-}
-
-void CountAndTime::count_in_mid_process()
-{
-    const BoxAnswerer answerer;
-    bind(0);
-    const QByteArray table = read_file(TestWindow::table_path("zero", ".tbl"));
-    for (QLineEdit *box :
-         {m_it->form->txtAsFound, m_it->form->txtAfterService, m_it->form->txtAdjustCalibration,
-          m_it->form->txtVerificationData, m_it->form->txtNewCorrelation})
-        box->setText(QStringLiteral("01/02/2024 03:04:05"));
-    m_it->form->btnAdjustCalibration->setEnabled(true);
-    m_it->form->btnReuseCalibration->setEnabled(true);
-    type_count(QStringLiteral("6"));
-    for (const QLineEdit *box :
-         {m_it->form->txtAsFound, m_it->form->txtAfterService, m_it->form->txtAdjustCalibration,
-          m_it->form->txtVerificationData, m_it->form->txtNewCorrelation})
-        QCOMPARE(box->text(), QString());
-    QVERIFY(!m_it->form->btnAdjustCalibration->isEnabled());
-    QVERIFY(!m_it->form->btnReuseCalibration->isEnabled());
-    QCOMPARE(read_file(TestWindow::table_path("zero", ".tbl")), table);
 }
 
 // The new row's field is written in its midst, the third type goes off at its end.

@@ -15,7 +15,7 @@ class CountBounds : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void row_64_refused_first_costs_no_point();
     void undo_takes_back_the_count_that_has_grown();
@@ -34,11 +34,6 @@ void CountBounds::initTestCase()
 {
     m_it = std::make_unique<TestWindow>();
     m_it->window->monitor()->set_sleep_ms(1);
-}
-
-void CountBounds::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 // Five points from 0 to 5000 mV, none captured.

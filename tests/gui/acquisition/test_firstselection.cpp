@@ -18,7 +18,7 @@ class FirstSelection : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void first_choice_of_a_channel_asks_nothing_and_starts_the_monitor();
     void first_reading_is_the_present_one();
     void menu_stays_grey_and_record_idle_while_nothing_is_captured();
@@ -35,11 +35,6 @@ void FirstSelection::initTestCase()
 {
     m_it = std::make_unique<TestWindow>();
     QVERIFY(m_it->cell.mv(0, 1234.5));
-}
-
-void FirstSelection::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 void FirstSelection::first_choice_of_a_channel_asks_nothing_and_starts_the_monitor()

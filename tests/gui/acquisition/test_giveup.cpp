@@ -47,8 +47,8 @@ class GiveUp : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(with_ranges_to_refuse()); }
+    void cleanupTestCase() { m_it.reset(); }
     void refused_dialog_gives_the_channel_up();
     void fresh_rows_are_appended_and_never_used();
     void fresh_rows_are_tabbed_through_behind_the_old_ones();
@@ -72,16 +72,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void GiveUp::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>(with_ranges_to_refuse());
-}
-
-void GiveUp::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void GiveUp::repair(QDialog *dialog)
 {

@@ -33,12 +33,12 @@ class LeaveTime : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void init();
-    void cleanup();
+    void cleanup() { m_hold.reset(); }
     void every_leave_starts_afresh_data();
     void every_leave_starts_afresh();
-    void one_leave_counts_once_data();
+    void one_leave_counts_once_data() { every_leave_starts_afresh_data(); }
     void one_leave_counts_once();
     void leave_that_qt_tells_of_counts_once();
     void refused_leave_asks_once();
@@ -62,11 +62,6 @@ void LeaveTime::initTestCase()
     m_it->bind_afresh(0);
 }
 
-void LeaveTime::cleanupTestCase()
-{
-    m_it.reset();
-}
-
 void LeaveTime::init()
 {
     QApplication::setActiveWindow(m_it->window);
@@ -75,11 +70,6 @@ void LeaveTime::init()
     field()->setFocus();
     QVERIFY(field()->hasFocus());
     relaxed_store(g_monitor_enabled, uint8_t(1));
-}
-
-void LeaveTime::cleanup()
-{
-    m_hold.reset();
 }
 
 void LeaveTime::leave(const QByteArray &way)
@@ -112,11 +102,6 @@ void LeaveTime::every_leave_starts_afresh()
         QVERIFY2(afresh(), qPrintable(QString::number(i)));
         QCOMPARE(relaxed_load(g_fifo_size), uint32_t(100));
     }
-}
-
-void LeaveTime::one_leave_counts_once_data()
-{
-    every_leave_starts_afresh_data();
 }
 
 // Whoever hears that the edit is finished comes behind the window: from there on

@@ -42,8 +42,8 @@ class NoChannel : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(without_channel_0()); }
+    void cleanupTestCase() { m_it.reset(); }
     void cancel_without_a_former_channel_leaves_the_list_blank();
     void first_line_behind_the_blank_is_refused_and_leaves_it_blank();
     void same_channel_can_be_picked_again();
@@ -51,16 +51,6 @@ private slots:
 private:
     std::unique_ptr<TestWindow> m_it;
 };
-
-void NoChannel::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>(without_channel_0());
-}
-
-void NoChannel::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 // As-Found was recorded before any channel was picked.
 void NoChannel::cancel_without_a_former_channel_leaves_the_list_blank()

@@ -15,8 +15,8 @@ class Rows : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void form_data();
     void form();
     void order_from_left_to_right();
@@ -24,10 +24,6 @@ private slots:
     void numbers();
     void caption_data();
     void caption();
-    void caption_checked_data();
-    void caption_checked();
-    void caption_tells_the_action_data();
-    void caption_tells_the_action();
     void show_and_hide();
     void values_are_written_with_four_places();
     void written_values_are_no_edit();
@@ -44,36 +40,23 @@ private:
     std::unique_ptr<TestWindow> m_it;
 };
 
-void Rows::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Rows::cleanupTestCase()
-{
-    m_it.reset();
-}
-
 void Rows::form_data()
 {
-    QTest::addColumn<QString>("class_name");
-    QTest::addColumn<QSize>("minimum");
-    QTest::newRow("lblIndexNum") << "QLabel" << QSize(25, 27);
-    QTest::newRow("txtCurrentValue") << "QLineEdit" << QSize(95, 27);
-    QTest::newRow("lblMillivolts") << "QLabel" << QSize(95, 27);
-    QTest::newRow("btnCapture") << "QPushButton" << QSize(95, 27);
+    const auto row = test_columns<QString, QSize>("class_name", "minimum");
+    row("lblIndexNum", "QLabel", QSize(25, 27));
+    row("txtCurrentValue", "QLineEdit", QSize(95, 27));
+    row("lblMillivolts", "QLabel", QSize(95, 27));
+    row("btnCapture", "QPushButton", QSize(95, 27));
 }
 
 void Rows::form()
 {
-    QFETCH(QString, class_name);
-    QFETCH(QSize, minimum);
     const PointInfo row(m_it->window, 0, nullptr);
     QCOMPARE(row.objectName(), QStringLiteral("PointInfo"));
     const auto *part = row.findChild<QWidget *>(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(part != nullptr);
-    QCOMPARE(QString::fromLatin1(part->metaObject()->className()), class_name);
-    QCOMPARE(part->minimumSize(), minimum);
+    QTEST(QString::fromLatin1(part->metaObject()->className()), "class_name");
+    QTEST(part->minimumSize(), "minimum");
 }
 
 void Rows::order_from_left_to_right()
@@ -110,63 +93,29 @@ void Rows::numbers()
 
 void Rows::caption_data()
 {
-    QTest::addColumn<QString>("style");
+    const auto row = test_columns<QString, QString, bool>("style", "checked_style", "captures");
     const QString ready = QStringLiteral("background-color: rgb(126,232,255)");
     const QString idle = QStringLiteral("background-color: rgb(238, 238,238)");
-    QTest::newRow("Capture") << ready;
-    QTest::newRow("Capture New") << ready;
-    QTest::newRow("Undo") << idle;
-    QTest::newRow("neither") << ready;
+    row("Capture", ready, ready, true);
+    row("Capture New", ready, ready, true);
+    row("Undo", idle, idle, false);
+    row("neither", ready, idle, false);
 }
 
 void Rows::caption()
 {
-    QFETCH(QString, style);
     PointInfo row(m_it->window, 0, nullptr);
     const QString text = QString::fromLatin1(QTest::currentDataTag());
     row.set_caption_style(QString());
     row.set_caption(text);
     QCOMPARE(row.caption(), text);
-    QCOMPARE(row.caption_style(), style);
-}
-
-void Rows::caption_checked_data()
-{
-    QTest::addColumn<QString>("style");
-    const QString ready = QStringLiteral("background-color: rgb(126,232,255)");
-    const QString idle = QStringLiteral("background-color: rgb(238, 238,238)");
-    QTest::newRow("Capture") << ready;
-    QTest::newRow("Capture New") << ready;
-    QTest::newRow("Undo") << idle;
-    QTest::newRow("neither") << idle;
-}
-
-void Rows::caption_checked()
-{
-    QFETCH(QString, style);
-    PointInfo row(m_it->window, 0, nullptr);
-    const QString text = QString::fromLatin1(QTest::currentDataTag());
+    QTEST(row.caption_style(), "style");
+    QTEST(row.captures(), "captures");
+    row.set_caption(QString());
     row.set_caption_style(QString());
     row.set_caption_checked(text);
     QCOMPARE(row.caption(), text);
-    QCOMPARE(row.caption_style(), style);
-}
-
-void Rows::caption_tells_the_action_data()
-{
-    QTest::addColumn<bool>("captures");
-    QTest::newRow("Capture") << true;
-    QTest::newRow("Capture New") << true;
-    QTest::newRow("Undo") << false;
-    QTest::newRow("neither") << false;
-}
-
-void Rows::caption_tells_the_action()
-{
-    QFETCH(bool, captures);
-    PointInfo row(m_it->window, 0, nullptr);
-    row.set_caption(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(row.captures(), captures);
+    QTEST(row.caption_style(), "checked_style");
 }
 
 void Rows::show_and_hide()
@@ -275,25 +224,23 @@ void Rows::undo_dialog_answers_data()
 
 void Rows::undo_dialog_answers()
 {
-    QFETCH(int, result);
     const QString button = QString::fromLatin1(QTest::currentDataTag());
     BoxAnswerer answerer;
     answerer.expect_dialog(QStringLiteral("Undo Action"), [&button](QDialog *dialog) {
         dialog->findChild<QPushButton *>(button)->click();
     });
     undoDialog dialog(m_it->window);
-    QCOMPARE(dialog.exec(), result);
+    QTEST(dialog.exec(), "result");
 }
 
 void Rows::edited_reference_goes_to_the_table_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("value");
-    QTest::newRow("a number") << "26.5" << 26.5;
-    QTest::newRow("negative") << "-3e2" << -300.0;
-    QTest::newRow("blanks around it") << "  7.25 " << 7.25;
-    QTest::newRow("not a number") << "abc" << 0.0;
-    QTest::newRow("empty") << "" << 0.0;
+    const auto row = test_columns<QString, double>("text", "value");
+    row("a number", "26.5", 26.5);
+    row("negative", "-3e2", -300.0);
+    row("blanks around it", "  7.25 ", 7.25);
+    row("not a number", "abc", 0.0);
+    row("empty", "", 0.0);
 }
 
 // The value is set up before a capture, which is what then counts as unsaved.

@@ -26,9 +26,10 @@ class StorePoint : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void init();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
+    // Five points from 0 to 5000 mV.
+    void init() { m_it->bind_afresh(0); }
     void store_point_writes_both_tables();
     void store_point_writes_the_range_in_work();
     void store_point_of_the_same_point_changes_nothing();
@@ -46,22 +47,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void StorePoint::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void StorePoint::cleanupTestCase()
-{
-    m_it.reset();
-}
-
-// Five points from 0 to 5000 mV.
-void StorePoint::init()
-{
-    m_it->bind_afresh(0);
-}
 
 void StorePoint::store_point_writes_both_tables()
 {

@@ -14,8 +14,8 @@ class TypeCombos : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void cleanup();
     void poly_of_a_table_without_a_second_range_takes_the_last_degree();
@@ -53,16 +53,6 @@ private:
     std::unique_ptr<BoxAnswerer> m_no_box;
     std::unique_ptr<ComboWatch> m_watch;
 };
-
-void TypeCombos::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void TypeCombos::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void TypeCombos::init()
 {
@@ -251,9 +241,7 @@ void TypeCombos::range_without_points_keeps_the_next_fit_from_running()
 
 void TypeCombos::degrees_on_offer_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("points");
-    QTest::addColumn<int>("highest");
+    test_columns<int, int, int>("type", "points", "highest");
     const struct {
         const char *name;
         int type;
@@ -317,12 +305,11 @@ void TypeCombos::degree_not_on_the_list_is_the_last()
 
 void TypeCombos::degree_beyond_what_a_range_holds_data()
 {
-    QTest::addColumn<int>("wanted");
-    QTest::addColumn<int>("coeffs");
-    QTest::newRow("16") << 16 << 17;
-    QTest::newRow("17") << 17 << 18;
-    QTest::newRow("18") << 18 << 18;
-    QTest::newRow("62") << 62 << 18;
+    const auto row = test_columns<int, int>("wanted", "coeffs");
+    row("16", 16, 17);
+    row("17", 17, 18);
+    row("18", 18, 18);
+    row("62", 62, 18);
 }
 
 // 18 coefficients are fitted and stored, and nothing behind them is touched.
@@ -402,11 +389,10 @@ void TypeCombos::degree_alone_is_blocked_while_the_controls_follow_the_record()
 
 void TypeCombos::degree_stays_blocked_behind_the_slot_of_the_type_data()
 {
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
-    QTest::newRow("to INTERP") << int(TABLE_POLY) << int(TABLE_INTERP);
-    QTest::newRow("to POLY") << int(TABLE_INTERP) << int(TABLE_POLY);
-    QTest::newRow("to POLY_RANGE") << int(TABLE_INTERP) << int(TABLE_POLY_RANGE);
+    const auto row = test_columns<int, int>("from", "to");
+    row("to INTERP", int(TABLE_POLY), int(TABLE_INTERP));
+    row("to POLY", int(TABLE_INTERP), int(TABLE_POLY));
+    row("to POLY_RANGE", int(TABLE_INTERP), int(TABLE_POLY_RANGE));
 }
 
 // The slot has followed the record itself by then; the routine that moved the

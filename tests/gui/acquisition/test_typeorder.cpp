@@ -126,7 +126,7 @@ class TypeOrder : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void each_type_after_each_other_data();
     void each_type_after_each_other();
     void range_combo_left_at_another_range();
@@ -142,11 +142,6 @@ void TypeOrder::initTestCase()
 {
     m_it = std::make_unique<TestWindow>(description());
     make_type_unknown();
-}
-
-void TypeOrder::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 // An INTERP table on show and nothing in the long table, whatever ran before.
@@ -183,11 +178,10 @@ void TypeOrder::each_type_after_each_other_data()
                                       {RANGES_0_AND_3, "POLY_RANGE 0 and 3"},
                                       {RANGES_2_AND_5, "POLY_RANGE 2 and 5"},
                                       {UNKNOWN, "65535"}};
-    QTest::addColumn<int>("row");
+    const auto row = test_columns<int>("row");
     for (int i = 0; i < int(std::size(ROWS)); ++i)
-        QTest::newRow(
-            qPrintable(names[ROWS[i].second] + QStringLiteral(" after ") + names[ROWS[i].first]))
-            << i;
+        row(qPrintable(names[ROWS[i].second] + QStringLiteral(" after ") + names[ROWS[i].first]),
+            i);
 }
 
 void TypeOrder::each_type_after_each_other()

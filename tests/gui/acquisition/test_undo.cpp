@@ -12,8 +12,8 @@ class Undo : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void undo_of_a_point_that_another_process_captured();
     void statistics_are_copied_without_the_mutex();
@@ -27,16 +27,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Undo::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Undo::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void Undo::init()
 {

@@ -13,7 +13,7 @@ class ValueEdit : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
     void cleanupTestCase();
     void init();
     void visit_leaves_reference_and_unsaved_mark_data();
@@ -34,11 +34,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void ValueEdit::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
 
 void ValueEdit::cleanupTestCase()
 {

@@ -84,6 +84,14 @@ void ProcessPanel::set_buttons(bool reuse_enabled, bool adjust_enabled)
     it.form->lblNextStep->setStyleSheet(QStringLiteral("background-color: rgb(8,3,3)"));
 }
 
+void ProcessPanel::ready_without_question()
+{
+    set_boxes("11111");
+    set_buttons(true, true);
+    captured(1);
+    g_cfg->table.last_save_type = SAVE_NEW_CORRELATION;
+}
+
 void ProcessPanel::captured(int status)
 {
     POLY_RANGE_RECORD &range = g_cfg->table.poly[0];
@@ -262,19 +270,7 @@ QString ProcessPanel::button_colour(char letter, const QString &former)
 
 QString ProcessPanel::advice_text(const char *mark)
 {
-    static const char *const texts[] = {
-        "<font color='red'>Channel is out of tolerance,<br>perform service and capture new "
-        "data</font>",
-        "<font color='red'>If channel or sensor hardware was changed,<br>adjust calibration "
-        "rather than re-use.</font>",
-        "<font color='red'>If shift in calibration is expected due to<br>service performed, "
-        "adjust calibration</font>",
-        "<font color='red'>Channel is within expected range</font>",
-        "<font color='red'>Channel is outside of expected range</font>",
-        "<font color='red'>Channel is out of tolerance,<br>perform service and capture new "
-        "data.</font>",
-    };
-    return *mark == 'N' ? QString::fromLatin1(texts[mark[1] - '1']) : QString();
+    return *mark == 'N' ? QString::fromLatin1(PROCESS_ADVICE[mark[1] - '1']) : QString();
 }
 
 void ProcessPanel::compare(const QString &what, const QString &actual, const QString &expected)

@@ -10,9 +10,9 @@
 
 #include "calibration/tablestore.h"
 #include "frame/zerl_callbacks.h"
-#include "gui/calibration/processquestions.h"
 #include "gui/frame/testwindow.h"
 #include "host/operations.h"
+#include "support/processquestions.h"
 
 // The six events of the process.
 constexpr char AS_FOUND = 'A';
@@ -79,6 +79,16 @@ public:
     // with that status. The record still holds another worst status, which only
     // a press can put right.
     void captured(int status);
+
+    // A decision would ask nothing: neither table asks after New Correlation.
+    void ready_without_question();
+    // The rows of a test of both decisions.
+    static void add_decisions()
+    {
+        QTest::addColumn<bool>("adjust");
+        QTest::newRow("Adjust") << true;
+        QTest::newRow("Re-Use") << false;
+    }
 
     PanelLook look() const;
 

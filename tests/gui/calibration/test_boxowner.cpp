@@ -62,11 +62,10 @@ void BoxOwner::record(char kind, const QString &title)
 
 void BoxOwner::questions_of_a_recording_belong_to_its_dialog_data()
 {
-    QTest::addColumn<char>("kind");
-    QTest::addColumn<QString>("boxes");
-    QTest::newRow("As-Found after service and update") << AS_FOUND << "11100";
-    QTest::newRow("After-Service after an update") << AFTER_SERVICE << "11100";
-    QTest::newRow("Verification without an update") << VERIFICATION << "11000";
+    const auto row = test_columns<char, QString>("kind", "boxes");
+    row("As-Found after service and update", AS_FOUND, "11100");
+    row("After-Service after an update", AFTER_SERVICE, "11100");
+    row("Verification without an update", VERIFICATION, "11000");
 }
 
 void BoxOwner::questions_of_a_recording_belong_to_its_dialog()

@@ -25,17 +25,14 @@ class Decisions : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void adjust_after_as_found_out_of_adjustment();
-    void adjust_after_service();
     void second_adjustment_appends_a_whole_table_to_the_history();
     void reuse_after_as_found_with_nothing_to_adjust();
-    void reuse_after_service();
     void reuse_keeps_the_former_points_and_the_new_extent();
     void rebuilt_tables_are_attached();
-    void plot_is_scaled_anew();
 
 private:
     bool record(const char *choice, double error);
@@ -43,16 +40,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Decisions::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Decisions::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void Decisions::init()
 {
@@ -138,23 +125,6 @@ void Decisions::adjust_after_as_found_out_of_adjustment()
     QCOMPARE(table.y_max, 102.5);
 }
 
-void Decisions::adjust_after_service()
-{
-    QVERIFY(record("rbAfterService", 1.5));
-    const QString service = m_it->form->txtAfterService->text();
-    const QString colour = m_it->form->txtAfterService->styleSheet();
-    const QString advice = m_it->form->lblNextStep->text();
-    QVERIFY(!advice.isEmpty());
-    const BoxAnswerer answerer;
-    m_it->form->btnAdjustCalibration->click();
-    QVERIFY(answerer.met().isEmpty()); // never asks after a service
-    check_tail(GREEN);
-    QCOMPARE(m_it->form->txtAfterService->text(), service);
-    QCOMPARE(m_it->form->txtAfterService->styleSheet(), colour);
-    QCOMPARE(m_it->form->lblNextStep->text(), advice);
-    QVERIFY(QFile::exists(OLD));
-}
-
 void Decisions::second_adjustment_appends_a_whole_table_to_the_history()
 {
     const QByteArray first = read_file(TBL);
@@ -185,17 +155,6 @@ void Decisions::reuse_after_as_found_with_nothing_to_adjust()
     QCOMPARE(m_it->form->label_11->text(), QStringLiteral("Table Updated"));
 }
 
-void Decisions::reuse_after_service()
-{
-    QVERIFY(record("rbAfterService", 0.0));
-    const QString service = m_it->form->txtAfterService->text();
-    const BoxAnswerer answerer;
-    m_it->form->btnReuseCalibration->click();
-    QVERIFY(answerer.met().isEmpty());
-    check_tail(GREEN);
-    QCOMPARE(m_it->form->txtAfterService->text(), service);
-}
-
 void Decisions::reuse_keeps_the_former_points_and_the_new_extent()
 {
     QVERIFY(record("rbAfterService", 0.2));
@@ -220,16 +179,6 @@ void Decisions::rebuilt_tables_are_attached()
     QCOMPARE(attach_host_memories(), 0);
     QVERIFY(g_cal_tables != before);
     QCOMPARE(g_cal_tables, g_cal_tables_base);
-}
-
-void Decisions::plot_is_scaled_anew()
-{
-    QVERIFY(record("rbAfterService", 0.5));
-    m_it->form->dataPlot->setAxisScale(QwtPlot::xBottom, 0.0, 1.0);
-    m_it->form->dataPlot->setAxisScale(QwtPlot::yLeft, 0.0, 1.0);
-    m_it->form->btnAdjustCalibration->click();
-    QVERIFY(m_it->form->dataPlot->axisAutoScale(QwtPlot::xBottom));
-    QVERIFY(m_it->form->dataPlot->axisAutoScale(QwtPlot::yLeft));
 }
 
 WINDOW_TEST(Decisions);

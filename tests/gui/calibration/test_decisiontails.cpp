@@ -45,42 +45,28 @@ private slots:
     void initTestCase() { m_it = std::make_unique<ProcessPanel>(); }
     void cleanupTestCase() { m_it.reset(); }
     void init();
-    void worst_status_is_computed_at_the_press_data() { add_buttons(); }
+    void worst_status_is_computed_at_the_press_data() { ProcessPanel::add_decisions(); }
     void worst_status_is_computed_at_the_press();
-    void no_ends_with_nothing_changed_data() { add_buttons(); }
+    void no_ends_with_nothing_changed_data() { ProcessPanel::add_decisions(); }
     void no_ends_with_nothing_changed();
-    void captions_of_all_rows_are_cleared_data() { add_buttons(); }
+    void captions_of_all_rows_are_cleared_data() { ProcessPanel::add_decisions(); }
     void captions_of_all_rows_are_cleared();
-    void moment_of_the_step_is_kept_data() { add_buttons(); }
+    void moment_of_the_step_is_kept_data() { ProcessPanel::add_decisions(); }
     void moment_of_the_step_is_kept();
     void names_go_into_the_record_data();
     void names_go_into_the_record();
-    void plot_is_replotted_then_scaled_by_itself_data() { add_buttons(); }
+    void plot_is_replotted_then_scaled_by_itself_data() { ProcessPanel::add_decisions(); }
     void plot_is_replotted_then_scaled_by_itself();
-    void rows_are_judged_again_data() { add_buttons(); }
+    void rows_are_judged_again_data() { ProcessPanel::add_decisions(); }
     void rows_are_judged_again();
     void rebuild_that_fails_keeps_the_stamp_and_judges_the_data_in_memory_data();
     void rebuild_that_fails_keeps_the_stamp_and_judges_the_data_in_memory();
-    void monitor_thread_samples_on_during_the_rebuild_data() { add_buttons(); }
+    void monitor_thread_samples_on_during_the_rebuild_data() { ProcessPanel::add_decisions(); }
     void monitor_thread_samples_on_during_the_rebuild();
-    void decision_takes_no_lock_but_for_the_binding_data() { add_buttons(); }
+    void decision_takes_no_lock_but_for_the_binding_data() { ProcessPanel::add_decisions(); }
     void decision_takes_no_lock_but_for_the_binding();
 
 private:
-    static void add_buttons()
-    {
-        QTest::addColumn<bool>("adjust");
-        QTest::newRow("Adjust") << true;
-        QTest::newRow("Re-Use") << false;
-    }
-    // Neither table asks after New Correlation.
-    void ready_without_question()
-    {
-        m_it->set_boxes("11111");
-        m_it->set_buttons(true, true);
-        m_it->captured(1);
-        g_cfg->table.last_save_type = SAVE_NEW_CORRELATION;
-    }
     void press(bool adjust)
     {
         (adjust ? m_it->it.form->btnAdjustCalibration : m_it->it.form->btnReuseCalibration)
@@ -150,7 +136,7 @@ void DecisionTails::no_ends_with_nothing_changed()
 void DecisionTails::captions_of_all_rows_are_cleared()
 {
     QFETCH(bool, adjust);
-    ready_without_question();
+    m_it->ready_without_question();
     for (int i = 0; i < MAX_POINTS; ++i)
         m_it->it.window->row(i)->set_caption(QStringLiteral("Undo"));
     press(adjust);
@@ -167,7 +153,7 @@ void DecisionTails::captions_of_all_rows_are_cleared()
 void DecisionTails::moment_of_the_step_is_kept()
 {
     QFETCH(bool, adjust);
-    ready_without_question();
+    m_it->ready_without_question();
     const QDateTime start = QDateTime::currentDateTime();
     QVERIFY(!(m_it->it.window->correlation_time() >= start));
     press(adjust);
@@ -180,11 +166,8 @@ void DecisionTails::moment_of_the_step_is_kept()
 
 void DecisionTails::names_go_into_the_record_data()
 {
-    QTest::addColumn<bool>("adjust");
-    QTest::addColumn<QString>("standard");
-    QTest::addColumn<QString>("technician");
-    QTest::addColumn<QString>("kept_standard");
-    QTest::addColumn<QString>("kept_technician");
+    test_columns<bool, QString, QString, QString, QString>("adjust", "standard", "technician",
+                                                           "kept_standard", "kept_technician");
     for (const bool adjust : {true, false}) {
         const char *const button = adjust ? "Adjust" : "Re-Use";
         QTest::addRow("%s", button) << adjust << "DWT-13"
@@ -213,7 +196,7 @@ void DecisionTails::names_go_into_the_record()
     QFETCH(bool, adjust);
     QFETCH(QString, standard);
     QFETCH(QString, technician);
-    ready_without_question();
+    m_it->ready_without_question();
     qstrncpy(g_cfg->table.qie, "former standard", sizeof g_cfg->table.qie);
     qstrncpy(g_cfg->table.verified_by, "former name", sizeof g_cfg->table.verified_by);
     m_it->it.form->txtCalibrationQIE->setText(standard);
@@ -232,7 +215,7 @@ void DecisionTails::names_go_into_the_record()
 void DecisionTails::plot_is_replotted_then_scaled_by_itself()
 {
     QFETCH(bool, adjust);
-    ready_without_question();
+    m_it->ready_without_question();
     QwtPlot *const plot = m_it->it.form->dataPlot;
     plot->setAxisAutoScale(QwtPlot::xBottom);
     plot->setAxisAutoScale(QwtPlot::yLeft);
@@ -258,7 +241,7 @@ void DecisionTails::plot_is_replotted_then_scaled_by_itself()
 void DecisionTails::rows_are_judged_again()
 {
     QFETCH(bool, adjust);
-    ready_without_question();
+    m_it->ready_without_question();
     for (const int i : {0, 1, 2, 3, 63})
         m_it->it.window->row(i)->status = 3;
     const QString odd = QStringLiteral("background-color: rgb(9,9,9)");
@@ -279,9 +262,7 @@ void DecisionTails::rows_are_judged_again()
 
 void DecisionTails::rebuild_that_fails_keeps_the_stamp_and_judges_the_data_in_memory_data()
 {
-    QTest::addColumn<bool>("adjust");
-    QTest::addColumn<bool>("memory");
-    QTest::addColumn<QString>("logged");
+    test_columns<bool, bool, QString>("adjust", "memory", "logged");
     for (const bool adjust : {true, false}) {
         const char *const button = adjust ? "Adjust" : "Re-Use";
         QTest::addRow("%s, memories lost", button)
@@ -296,7 +277,7 @@ void DecisionTails::rebuild_that_fails_keeps_the_stamp_and_judges_the_data_in_me
     QFETCH(bool, adjust);
     QFETCH(bool, memory);
     QFETCH(QString, logged);
-    ready_without_question();
+    m_it->ready_without_question();
     for (int i = 0; i < 3; ++i)
         g_cfg->long_current.y[i] = 50.0 * i + 0.5; // out of adjustment by the former table
     m_it->it.window->row(1)->status = 3;
@@ -334,7 +315,7 @@ void DecisionTails::rebuild_that_fails_keeps_the_stamp_and_judges_the_data_in_me
 void DecisionTails::monitor_thread_samples_on_during_the_rebuild()
 {
     QFETCH(bool, adjust);
-    ready_without_question();
+    m_it->ready_without_question();
     static bool sampled;
     static int32_t (*bind)(ZERL_CFG *);
     sampled = false;
@@ -359,7 +340,7 @@ void DecisionTails::monitor_thread_samples_on_during_the_rebuild()
 void DecisionTails::decision_takes_no_lock_but_for_the_binding()
 {
     QFETCH(bool, adjust);
-    ready_without_question();
+    m_it->ready_without_question();
     static HeldMutex *held;
     static bool in_time;
     static int32_t (*bind)(ZERL_CFG *);

@@ -57,18 +57,25 @@ void GuardRows::init()
 
 void GuardRows::add_rows()
 {
-    QTest::addColumn<int>("captured");
-    QTest::addColumn<bool>("modified");
-    QTest::addColumn<QByteArray>("boxes");
-    QTest::addColumn<char>("question");
+    static const char *const filled_boxes[] = {"no box",
+                                               "Table Updated",
+                                               "After-Service",
+                                               "After-Service and Table Updated",
+                                               "As-Found",
+                                               "As-Found and Table Updated",
+                                               "As-Found and After-Service",
+                                               "all three boxes"};
+    test_columns<int, bool, QByteArray, char>("captured", "modified", "boxes", "question");
     for (const Guard &guard : GUARDS) {
         for (int filled = 0; filled < 8; ++filled) {
             const QByteArray boxes = QByteArray::number(8 + filled, 2).mid(1) + "00";
             const char question = guard.questions[filled];
-            QTest::addRow("%d captured, %s, As-Found %c, After-Service %c, Table Updated %c: %s",
-                          guard.captured, guard.modified ? "modified" : "not modified", boxes.at(0),
-                          boxes.at(1), boxes.at(2),
-                          question == '-' ? "no question" : QByteArray(1, question).constData())
+            QTest::addRow("%s, %s, %s filled: %s", guard.captured > 0 ? "captured" : "not captured",
+                          guard.modified ? "modified" : "nothing unsaved", filled_boxes[filled],
+                          question == '-'   ? "no question"
+                          : question == '1' ? "points not recorded"
+                          : question == '2' ? "incomplete"
+                                            : "table modified")
                 << guard.captured << guard.modified << boxes << question;
         }
     }

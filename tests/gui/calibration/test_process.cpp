@@ -13,9 +13,9 @@ class Process : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void init();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
+    void init() { m_it->bind_afresh(0); }
     void reset_empties_boxes_and_greys_buttons();
     void reset_keeps_the_last_time_of_a_new_correlation();
     void reset_with_fresh_rows();
@@ -37,21 +37,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Process::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Process::cleanupTestCase()
-{
-    m_it.reset();
-}
-
-void Process::init()
-{
-    m_it->bind_afresh(0);
-}
 
 void Process::fill_boxes()
 {
@@ -129,18 +114,14 @@ void Process::reset_with_fresh_rows()
 
 void Process::reset_follows_the_point_states_data()
 {
-    QTest::addColumn<int>("point_state");
-    QTest::addColumn<QString>("value_style");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<QString>("caption_style");
-    QTest::addColumn<int>("status");
+    const auto row = test_columns<int, QString, QString, QString, int>(
+        "point_state", "value_style", "caption", "caption_style", "status");
     const QString kept = QStringLiteral("background-color: rgb(255,170,0)");
     const QString ready = QStringLiteral("background-color: rgb(126,232,255)");
     const QString idle = QStringLiteral("background-color: rgb(238, 238,238)");
-    QTest::newRow("as in the table") << 0 << kept << "Capture" << ready << 0;
-    QTest::newRow("new") << 1 << "background-color: white"
-                         << "Capture New" << ready << 0;
-    QTest::newRow("captured") << 2 << kept << "Undo" << idle << 1;
+    row("as in the table", 0, kept, "Capture", ready, 0);
+    row("new", 1, "background-color: white", "Capture New", ready, 0);
+    row("captured", 2, kept, "Undo", idle, 1);
 }
 
 void Process::reset_follows_the_point_states()
@@ -170,17 +151,14 @@ void Process::reset_follows_the_point_states()
 
 void Process::readiness_data()
 {
-    QTest::addColumn<int>("points");
-    QTest::addColumn<int>("captured");
-    QTest::addColumn<int>("type");
-    QTest::addColumn<bool>("ready");
-    QTest::addColumn<bool>("regression");
-    QTest::newRow("none captured") << 5 << 0 << int(TABLE_INTERP) << false << false;
-    QTest::newRow("one missing") << 5 << 4 << int(TABLE_POLY) << false << false;
-    QTest::newRow("all captured, INTERP") << 5 << 5 << int(TABLE_INTERP) << true << false;
-    QTest::newRow("all captured, POLY") << 5 << 5 << int(TABLE_POLY) << true << true;
-    QTest::newRow("all captured, POLY_RANGE") << 5 << 5 << int(TABLE_POLY_RANGE) << true << false;
-    QTest::newRow("more than all") << 5 << 6 << int(TABLE_INTERP) << true << false;
+    const auto row = test_columns<int, int, int, bool, bool>("points", "captured", "type", "ready",
+                                                             "regression");
+    row("none captured", 5, 0, int(TABLE_INTERP), false, false);
+    row("one missing", 5, 4, int(TABLE_POLY), false, false);
+    row("all captured, INTERP", 5, 5, int(TABLE_INTERP), true, false);
+    row("all captured, POLY", 5, 5, int(TABLE_POLY), true, true);
+    row("all captured, POLY_RANGE", 5, 5, int(TABLE_POLY_RANGE), true, false);
+    row("more than all", 5, 6, int(TABLE_INTERP), true, false);
 }
 
 void Process::readiness()
@@ -189,7 +167,6 @@ void Process::readiness()
     QFETCH(int, captured);
     QFETCH(int, type);
     QFETCH(bool, ready);
-    QFETCH(bool, regression);
     g_num_points = static_cast<int16_t>(points);
     g_captured_points = captured;
     g_cfg->table.table_type = static_cast<uint16_t>(type);
@@ -206,7 +183,7 @@ void Process::readiness()
     QCOMPARE(m_it->form->menuStatistics->isEnabled(), ready);
     QCOMPARE(m_it->form->btnGenerateLineRpt->isEnabled(), ready);
     QVERIFY(m_it->form->btnGenerateLineRpt->isHidden());
-    QCOMPARE(m_it->form->actionCal_Statistics_Chart->isEnabled(), regression);
+    QTEST(m_it->form->actionCal_Statistics_Chart->isEnabled(), "regression");
     QCOMPARE(m_it->form->actionPoint_Statistics->isEnabled(), ready);
 }
 

@@ -36,16 +36,12 @@ private:
 
 void ProcessEdges::after_any_recording_both_buttons_work_even_in_the_idle_colour_data()
 {
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<int>("event");
-    QTest::addColumn<QByteArray>("question");
-    QTest::newRow("As-Found, Adjust") << QByteArray("A3") << int(ADJUST) << QByteArray("Q2");
-    QTest::newRow("As-Found, Re-Use") << QByteArray("A3") << int(REUSE) << QByteArray("Q4");
-    QTest::newRow("After-Service, Re-Use") << QByteArray("A1 S3") << int(REUSE) << QByteArray("Q4");
-    QTest::newRow("Verification, Adjust")
-        << QByteArray("A1 V3?D3") << int(ADJUST) << QByteArray("Q5");
-    QTest::newRow("Verification, Re-Use")
-        << QByteArray("A1 V3?D3") << int(REUSE) << QByteArray("Q5");
+    const auto row = test_columns<QByteArray, int, QByteArray>("path", "event", "question");
+    row("As-Found, Adjust", QByteArray("A3"), int(ADJUST), QByteArray("Q2"));
+    row("As-Found, Re-Use", QByteArray("A3"), int(REUSE), QByteArray("Q4"));
+    row("After-Service, Re-Use", QByteArray("A1 S3"), int(REUSE), QByteArray("Q4"));
+    row("Verification, Adjust", QByteArray("A1 V3?D3"), int(ADJUST), QByteArray("Q5"));
+    row("Verification, Re-Use", QByteArray("A1 V3?D3"), int(REUSE), QByteArray("Q5"));
 }
 
 void ProcessEdges::after_any_recording_both_buttons_work_even_in_the_idle_colour()
@@ -178,14 +174,11 @@ void ProcessEdges::same_points_can_be_recorded_again()
 
 void ProcessEdges::refused_save_leaves_stamp_and_colours_data()
 {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QByteArray>("texts");
-    QTest::addColumn<QByteArray>("colours");
-    QTest::addColumn<QByteArray>("buttons");
-    QTest::newRow("As-Found") << int(AS_FOUND) << QByteArray("t====") << QByteArray("y====")
-                              << QByteArray("ir");
-    QTest::newRow("After-Service")
-        << int(AFTER_SERVICE) << QByteArray("Nt===") << QByteArray("ry===") << QByteArray("ir");
+    const auto row = test_columns<int, QByteArray, QByteArray, QByteArray>("kind", "texts",
+                                                                           "colours", "buttons");
+    row("As-Found", int(AS_FOUND), QByteArray("t===="), QByteArray("y===="), QByteArray("ir"));
+    row("After-Service", int(AFTER_SERVICE), QByteArray("Nt==="), QByteArray("ry==="),
+        QByteArray("ir"));
 }
 
 void ProcessEdges::refused_save_leaves_stamp_and_colours()

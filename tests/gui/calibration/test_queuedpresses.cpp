@@ -93,11 +93,11 @@ private slots:
     void cleanupTestCase() { m_it.reset(); }
     void init();
     void cleanup() { during_rebuild = nullptr; }
-    void pressed_twice_decides_once_data() { add_buttons(); }
+    void pressed_twice_decides_once_data() { ProcessPanel::add_decisions(); }
     void pressed_twice_decides_once();
     void press_during_the_rebuild_is_dropped_data();
     void press_during_the_rebuild_is_dropped();
-    void press_after_the_decision_counts_data() { add_buttons(); }
+    void press_after_the_decision_counts_data() { ProcessPanel::add_decisions(); }
     void press_after_the_decision_counts();
     void release_of_an_earlier_press_is_let_through();
     void ticks_that_waited_are_worked_off();
@@ -105,20 +105,6 @@ private slots:
     void close_during_the_rebuild_is_heeded();
 
 private:
-    static void add_buttons()
-    {
-        QTest::addColumn<bool>("adjust");
-        QTest::newRow("Adjust") << true;
-        QTest::newRow("Re-Use") << false;
-    }
-    // Neither table asks after New Correlation.
-    void ready_without_question()
-    {
-        m_it->set_boxes("11111");
-        m_it->set_buttons(true, true);
-        m_it->captured(1);
-        g_cfg->table.last_save_type = SAVE_NEW_CORRELATION;
-    }
     QPushButton *button(bool adjust) const
     {
         return adjust ? m_it->it.form->btnAdjustCalibration : m_it->it.form->btnReuseCalibration;
@@ -141,7 +127,7 @@ void QueuedPresses::initTestCase()
 void QueuedPresses::init()
 {
     m_it->bind();
-    ready_without_question();
+    m_it->ready_without_question();
     work_off();
 }
 
@@ -161,8 +147,7 @@ void QueuedPresses::pressed_twice_decides_once()
 
 void QueuedPresses::press_during_the_rebuild_is_dropped_data()
 {
-    QTest::addColumn<bool>("adjust");
-    QTest::addColumn<QString>("what");
+    test_columns<bool, QString>("adjust", "what");
     for (const bool adjust : {true, false}) {
         for (const char *what :
              {"both decisions", "posted to the buttons", "capture", "record", "space on the button",

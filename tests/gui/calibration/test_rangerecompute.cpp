@@ -51,8 +51,8 @@ class RangeRecompute : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void points_of_the_range_become_both_tables();
     void earlier_work_is_forgotten();
     void statistics_of_the_first_two_points_start_anew();
@@ -70,16 +70,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void RangeRecompute::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void RangeRecompute::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 // Binding may put range 0 in work, since the slot of the type's combo runs
 // meanwhile; range 2 is then chosen as a person does.

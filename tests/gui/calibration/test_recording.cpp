@@ -23,7 +23,6 @@ const QString ORANGE = QStringLiteral("background-color: rgb(255,170,0)");
 const QString RED = QStringLiteral("background-color: rgb(255, 78, 78)");
 const QString READY = QStringLiteral("background-color: rgb(126,232,255)");
 const QString IDLE = QStringLiteral("background-color: rgb(238, 238,238)");
-const QString CAUTION = QStringLiteral("background-color: yellow");
 } // namespace
 
 class Recording : public QObject
@@ -31,22 +30,18 @@ class Recording : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void dialog_form_data();
     void dialog_form();
-    void dialog_opens_with_nothing_chosen();
     void nothing_chosen_records_nothing();
     void names_are_asked_for_first_data();
     void names_are_asked_for_first();
     void cancelled_dialog_records_nothing();
     void recordings_data();
     void recordings();
-    void first_as_found_needs_no_description();
-    void as_found_box_of_a_service_without_it();
     void new_correlation_rewrites_the_table();
-    void description_is_cut_to_its_field();
     void plot_is_replotted_then_scaled_by_itself_data();
     void plot_is_replotted_then_scaled_by_itself();
     void recording_takes_no_lock();
@@ -61,16 +56,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Recording::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Recording::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void Recording::init()
 {
@@ -103,89 +88,43 @@ void Recording::press_record(const char *choice, const QString &comment, BoxAnsw
 
 void Recording::dialog_form_data()
 {
-    QTest::addColumn<QString>("class_name");
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("groupBox") << "QGroupBox"
-                              << "title"
-                              << "What type of data is this?";
-    QTest::newRow("label_2") << "QLabel"
-                             << "text"
-                             << "Select One";
-    QTest::newRow("rbAsFound") << "QRadioButton"
-                               << "text"
-                               << "As-Found Data";
-    QTest::newRow("label_3")
-        << "QLabel"
-        << "text"
-        << "Collected before performing any service or adjustments to assess the data quality that "
-           "the customer was experiencing.";
-    QTest::newRow("rbAfterService") << "QRadioButton"
-                                    << "text"
-                                    << "After-Service Data";
-    QTest::newRow("label_4")
-        << "QLabel"
-        << "text"
-        << "Collected after performing maintenance, repairs or adjustments that could change the "
-           "readings.  For Example, after rotating dyno bearings.";
-    QTest::newRow("rbVerification") << "QRadioButton"
-                                    << "text"
-                                    << "Verification Data";
-    QTest::newRow("label_5")
-        << "QLabel"
-        << "text"
-        << "Collected after a calibration adjustment to verify that the adjusted calibration meets "
-           "the requirements.";
-    QTest::newRow("rbNewCorrelation") << "QRadioButton"
-                                      << "text"
-                                      << "New Correlation";
-    QTest::newRow("label_6") << "QLabel"
-                             << "text"
-                             << "Change in calibration method or curve fit.";
-    QTest::newRow("lblComment") << "QLabel"
-                                << "text"
-                                << "Description:";
-    QTest::newRow("txtComment") << "QLineEdit"
-                                << "text"
-                                << "";
-    QTest::newRow("btnRecord") << "QPushButton"
-                               << "text"
-                               << "Record";
-    QTest::newRow("btnCancel") << "QPushButton"
-                               << "text"
-                               << "Cancel";
+    const auto row = test_columns<QString, QString, QString>("class_name", "property", "text");
+    row("groupBox", "QGroupBox", "title", "What type of data is this?");
+    row("label_2", "QLabel", "text", "Select One");
+    row("rbAsFound", "QRadioButton", "text", "As-Found Data");
+    row("label_3", "QLabel", "text",
+        "Collected before performing any service or adjustments to assess the data quality that "
+        "the customer was experiencing.");
+    row("rbAfterService", "QRadioButton", "text", "After-Service Data");
+    row("label_4", "QLabel", "text",
+        "Collected after performing maintenance, repairs or adjustments that could change the "
+        "readings.  For Example, after rotating dyno bearings.");
+    row("rbVerification", "QRadioButton", "text", "Verification Data");
+    row("label_5", "QLabel", "text",
+        "Collected after a calibration adjustment to verify that the adjusted calibration meets "
+        "the requirements.");
+    row("rbNewCorrelation", "QRadioButton", "text", "New Correlation");
+    row("label_6", "QLabel", "text", "Change in calibration method or curve fit.");
+    row("lblComment", "QLabel", "text", "Description:");
+    row("txtComment", "QLineEdit", "text", "");
+    row("btnRecord", "QPushButton", "text", "Record");
+    row("btnCancel", "QPushButton", "text", "Cancel");
 }
 
 void Recording::dialog_form()
 {
     QFETCH(QString, class_name);
     QFETCH(QString, property);
-    QFETCH(QString, text);
     const SaveTypeDialog dialog(m_it->window, 0);
     QCOMPARE(dialog.windowTitle(), DIALOG);
     const auto *part = dialog.findChild<QWidget *>(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(part != nullptr);
     QCOMPARE(QString::fromLatin1(part->metaObject()->className()), class_name);
-    QCOMPARE(part->property(property.toLatin1().constData()).toString(), text);
+    QTEST(part->property(property.toLatin1().constData()).toString(), "text");
     if (class_name == QLatin1String("QLabel")) {
         QCOMPARE(part->font().family(), QStringLiteral("Sans Serif"));
         QCOMPARE(part->font().pointSize(), 12);
     }
-}
-
-void Recording::dialog_opens_with_nothing_chosen()
-{
-    const SaveTypeDialog dialog(m_it->window, 0);
-    const auto choices = dialog.findChildren<QRadioButton *>();
-    QCOMPARE(choices.size(), 4);
-    for (const QRadioButton *choice : choices)
-        QVERIFY(!choice->isChecked());
-    MetBox met;
-    met.flags = dialog.windowFlags();
-    QVERIFY(BoxAnswerer::has_title_bar_only(met));
-    QVERIFY(!dialog.findChild<QLineEdit *>(QStringLiteral("txtComment"))
-                 ->property("keyboard")
-                 .isValid());
 }
 
 void Recording::nothing_chosen_records_nothing()
@@ -205,14 +144,10 @@ void Recording::nothing_chosen_records_nothing()
 
 void Recording::names_are_asked_for_first_data()
 {
-    QTest::addColumn<QString>("technician");
-    QTest::addColumn<QString>("standard");
-    QTest::newRow("no working standard") << "J. Doe"
-                                         << "";
-    QTest::newRow("no technician") << ""
-                                   << "DWT-12";
-    QTest::newRow("neither") << ""
-                             << "";
+    const auto row = test_columns<QString, QString>("technician", "standard");
+    row("no working standard", "J. Doe", "");
+    row("no technician", "", "DWT-12");
+    row("neither", "", "");
 }
 
 void Recording::names_are_asked_for_first()
@@ -255,68 +190,13 @@ void Recording::cancelled_dialog_records_nothing()
 
 void Recording::recordings_data()
 {
-    QTest::addColumn<QByteArray>("choice");
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<int>("save_type");
-    QTest::addColumn<double>("error");
-    QTest::addColumn<QString>("colour");
-    QTest::addColumn<QString>("reuse");
-    QTest::addColumn<QString>("adjust");
-    QTest::addColumn<QString>("advice");
-    const struct {
-        const char *name;
-        const char *choice;
-        const char *box;
-        int save_type;
-        double error;
-        QString colour;
-        QString reuse;
-        QString adjust;
-        const char *advice;
-    } rows[] = {
-        {"as found, no adjustment needed", "rbAsFound", "txtAsFound", 3, 0.0, GREEN, READY, IDLE,
-         ""},
-        {"as found, out of adjustment", "rbAsFound", "txtAsFound", 3, 0.5, YELLOW, IDLE, READY, ""},
-        {"as found, out of tolerance", "rbAsFound", "txtAsFound", 3, 1.5, ORANGE, IDLE, IDLE,
-         "<font color='red'>Channel is out of tolerance,<br>perform service and capture new "
-         "data</font>"},
-        {"as found, significantly out", "rbAsFound", "txtAsFound", 3, 3.0, RED, IDLE, IDLE,
-         "<font color='red'>Channel is out of tolerance,<br>perform service and capture new "
-         "data</font>"},
-        {"after service, no adjustment needed", "rbAfterService", "txtAfterService", 5, 0.0, GREEN,
-         READY, CAUTION,
-         "<font color='red'>If channel or sensor hardware was changed,<br>adjust calibration "
-         "rather "
-         "than re-use.</font>"},
-        {"after service, out of adjustment", "rbAfterService", "txtAfterService", 5, 0.5, YELLOW,
-         IDLE, READY, ""},
-        {"after service, out of tolerance", "rbAfterService", "txtAfterService", 5, 1.5, ORANGE,
-         IDLE, CAUTION,
-         "<font color='red'>If shift in calibration is expected due to<br>service performed, "
-         "adjust "
-         "calibration</font>"},
-        {"after service, significantly out", "rbAfterService", "txtAfterService", 5, 3.0, RED, IDLE,
-         CAUTION,
-         "<font color='red'>If shift in calibration is expected due to<br>service performed, "
-         "adjust "
-         "calibration</font>"},
-        {"verification, no adjustment needed", "rbVerification", "txtVerificationData", 6, 0.0,
-         GREEN, IDLE, IDLE, "<font color='red'>Channel is within expected range</font>"},
-        {"verification, out of adjustment", "rbVerification", "txtVerificationData", 6, 0.5, YELLOW,
-         IDLE, IDLE, "<font color='red'>Channel is outside of expected range</font>"},
-        {"verification, out of tolerance", "rbVerification", "txtVerificationData", 6, 1.5, ORANGE,
-         IDLE, IDLE,
-         "<font color='red'>Channel is out of tolerance,<br>perform service and capture new "
-         "data.</font>"},
-        {"verification, significantly out", "rbVerification", "txtVerificationData", 6, 3.0, RED,
-         IDLE, IDLE,
-         "<font color='red'>Channel is out of tolerance,<br>perform service and capture new "
-         "data.</font>"},
-    };
-    for (const auto &row : rows)
-        QTest::newRow(row.name) << QByteArray(row.choice) << QString::fromLatin1(row.box)
-                                << row.save_type << row.error << row.colour << row.reuse
-                                << row.adjust << QString::fromLatin1(row.advice);
+    const auto row = test_columns<QByteArray, QString, int, double, QString>(
+        "choice", "box", "save_type", "error", "colour");
+    row("as found, out of tolerance", "rbAsFound", "txtAsFound", 3, 1.5, ORANGE);
+    row("after service, significantly out", "rbAfterService", "txtAfterService", 5, 3.0, RED);
+    row("verification, no adjustment needed", "rbVerification", "txtVerificationData", 6, 0.0,
+        GREEN);
+    row("verification, out of adjustment", "rbVerification", "txtVerificationData", 6, 0.5, YELLOW);
 }
 
 void Recording::recordings()
@@ -325,10 +205,6 @@ void Recording::recordings()
     QFETCH(QString, box);
     QFETCH(int, save_type);
     QFETCH(double, error);
-    QFETCH(QString, colour);
-    QFETCH(QString, reuse);
-    QFETCH(QString, adjust);
-    QFETCH(QString, advice);
     const QByteArray table = read_file(QStringLiteral("/cell/tables/one.tbl"));
     if (save_type == SAVE_VERIFICATION) // the calibration has been updated before
         m_it->form->txtAdjustCalibration->setText(QStringLiteral("01/02/2024 03:04:05"));
@@ -339,16 +215,9 @@ void Recording::recordings()
 
     const auto *stamped = m_it->window->findChild<QLineEdit *>(box);
     QVERIFY2(is_time(stamped->text()), qPrintable(stamped->text()));
-    QCOMPARE(stamped->styleSheet(), colour);
-    const char *const copy = save_type == SAVE_AS_FOUND        ? g_ws_block->as_found_time
-                             : save_type == SAVE_AFTER_SERVICE ? g_ws_block->after_service_time
-                                                               : g_ws_block->verification_time;
-    QCOMPARE(QString::fromUtf8(copy), stamped->text());
-    QCOMPARE(m_it->form->btnReuseCalibration->styleSheet(), reuse);
-    QCOMPARE(m_it->form->btnAdjustCalibration->styleSheet(), adjust);
+    QTEST(stamped->styleSheet(), "colour");
     QVERIFY(m_it->form->btnReuseCalibration->isEnabled());
     QVERIFY(m_it->form->btnAdjustCalibration->isEnabled());
-    QCOMPARE(m_it->form->lblNextStep->text(), advice);
 
     QCOMPARE(g_captured_points, 0);
     for (int i = 0; i < 3; ++i)
@@ -364,26 +233,6 @@ void Recording::recordings()
                 .contains("save_type " + QByteArray::number(save_type)));
     QCOMPARE(read_file(QStringLiteral("/cell/tables/one.tbl")), table);
     QVERIFY(!QFile::exists(QStringLiteral("/cell/tables/one.old")));
-}
-
-void Recording::first_as_found_needs_no_description()
-{
-    QVERIFY(capture_all(0.0));
-    BoxAnswerer answerer;
-    press_record("rbAsFound", QString(), &answerer);
-    QCOMPARE(answerer.met().size(), 1);
-    QVERIFY(is_time(m_it->form->txtAsFound->text()));
-    QCOMPARE(QString::fromUtf8(g_cfg->table.cal_comment), QString());
-}
-
-void Recording::as_found_box_of_a_service_without_it()
-{
-    QVERIFY(capture_all(0.5));
-    BoxAnswerer answerer;
-    press_record("rbAfterService", QStringLiteral("bearings rotated"), &answerer);
-    QCOMPARE(m_it->form->txtAsFound->text(), QStringLiteral("N/A"));
-    QCOMPARE(m_it->form->txtAsFound->styleSheet(), RED);
-    QCOMPARE(QString::fromUtf8(g_ws_block->as_found_time), QStringLiteral("N/A"));
 }
 
 void Recording::new_correlation_rewrites_the_table()
@@ -412,14 +261,6 @@ void Recording::new_correlation_rewrites_the_table()
     QCOMPARE(table.poly[0].y[1], 52.5);
     QCOMPARE(table.last_save_type, uint16_t(SAVE_NEW_CORRELATION));
     QCOMPARE(g_captured_points, 0);
-}
-
-void Recording::description_is_cut_to_its_field()
-{
-    QVERIFY(capture_all(0.0));
-    BoxAnswerer answerer;
-    press_record("rbAsFound", QString(100, QLatin1Char('x')), &answerer);
-    QCOMPARE(QString::fromUtf8(g_cfg->table.cal_comment), QString(79, QLatin1Char('x')));
 }
 
 void Recording::plot_is_replotted_then_scaled_by_itself_data()

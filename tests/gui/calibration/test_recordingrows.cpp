@@ -104,8 +104,7 @@ private:
 
 void RecordingRows::recording_data()
 {
-    QTest::addColumn<int>("panel");
-    QTest::addColumn<int>("status");
+    test_columns<int, int>("panel", "status");
     for (int i = 0; i < static_cast<int>(std::size(PANELS)); ++i) {
         for (int status = 0; status < 4; ++status)
             QTest::addRow("%s, status %d", PANELS[i].name, status) << i << status;
@@ -157,10 +156,7 @@ void RecordingRows::recording()
 
 void RecordingRows::declined_recording_gives_each_button_its_own_flag_back_data()
 {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QByteArray>("question");
-    QTest::addColumn<bool>("reuse");
-    QTest::addColumn<bool>("adjust");
+    test_columns<int, QByteArray, bool, bool>("kind", "question", "reuse", "adjust");
     const struct {
         char kind;
         const char *question;

@@ -148,12 +148,11 @@ void SaveType::touch_input_marks_the_description()
 
 void SaveType::first_choice_of_the_form_decides_data()
 {
-    QTest::addColumn<QByteArray>("checked");
-    QTest::addColumn<int>("save_type");
-    QTest::newRow("all four") << QByteArray("ASVN") << int(SAVE_AS_FOUND);
-    QTest::newRow("all but As-Found") << QByteArray("SVN") << int(SAVE_AFTER_SERVICE);
-    QTest::newRow("the last two") << QByteArray("VN") << int(SAVE_VERIFICATION);
-    QTest::newRow("the last") << QByteArray("N") << int(SAVE_NEW_CORRELATION);
+    const auto row = test_columns<QByteArray, int>("checked", "save_type");
+    row("all four", QByteArray("ASVN"), int(SAVE_AS_FOUND));
+    row("all but As-Found", QByteArray("SVN"), int(SAVE_AFTER_SERVICE));
+    row("the last two", QByteArray("VN"), int(SAVE_VERIFICATION));
+    row("the last", QByteArray("N"), int(SAVE_NEW_CORRELATION));
 }
 
 // The form lets only one be checked; the order stands should that ever change.
@@ -178,20 +177,16 @@ void SaveType::first_choice_of_the_form_decides()
 
 void SaveType::description_missing_data()
 {
-    QTest::addColumn<QString>("as_found");
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QByteArray>("question");
-    QTest::addColumn<QString>("description");
-    QTest::addColumn<int>("save_type");
+    const auto row = test_columns<QString, int, QByteArray, QString, int>(
+        "as_found", "kind", "question", "description", "save_type");
     const QString time = QStringLiteral("01/02/2024 03:04:05");
-    QTest::newRow("second As-Found")
-        << time << int(AS_FOUND) << QByteArray("R3") << "knocked over" << 3;
-    QTest::newRow("As-Found after a service without it")
-        << "N/A" << int(AS_FOUND) << QByteArray("R3") << "found after all" << 3;
-    QTest::newRow("After-Service with an empty description")
-        << "" << int(AFTER_SERVICE) << QByteArray("R4") << "bearings rotated" << 5;
-    QTest::newRow("After-Service behind As-Found with an empty description")
-        << time << int(AFTER_SERVICE) << QByteArray("R4") << " " << 5;
+    row("second As-Found", time, int(AS_FOUND), QByteArray("R3"), "knocked over", 3);
+    row("As-Found after a service without it", "N/A", int(AS_FOUND), QByteArray("R3"),
+        "found after all", 3);
+    row("After-Service with an empty description", "", int(AFTER_SERVICE), QByteArray("R4"),
+        "bearings rotated", 5);
+    row("After-Service behind As-Found with an empty description", time, int(AFTER_SERVICE),
+        QByteArray("R4"), " ", 5);
 }
 
 // After OK the dialog is open, with the cursor in the description and nothing
@@ -202,7 +197,6 @@ void SaveType::description_missing()
     QFETCH(int, kind);
     QFETCH(QByteArray, question);
     QFETCH(QString, description);
-    QFETCH(int, save_type);
     m_it->set_buttons(false, false);
     m_it->it.form->txtAsFound->setText(as_found);
     m_it->captured(0);
@@ -231,7 +225,7 @@ void SaveType::description_missing()
     QVERIFY(cursor);
     QCOMPARE(kept, QByteArray("former"));
     QCOMPARE(QString::fromUtf8(g_cfg->table.cal_comment), description);
-    QCOMPARE(int(ProcessPanel::last_record().last_save_type), save_type);
+    QTEST(int(ProcessPanel::last_record().last_save_type), "save_type");
 }
 
 void SaveType::description_not_wanted_may_be_empty_data()
@@ -288,18 +282,13 @@ void SaveType::cancel_keeps_the_former_description()
 
 void SaveType::description_is_cut_and_reads_back_data()
 {
-    QTest::addColumn<QString>("description");
-    QTest::addColumn<QString>("kept");
+    const auto row = test_columns<QString, QString>("description", "kept");
     const QChar euro(0x20ac); // three bytes
-    QTest::newRow("79 characters")
-        << QString(79, QLatin1Char('x')) << QString(79, QLatin1Char('x'));
-    QTest::newRow("80 characters")
-        << QString(80, QLatin1Char('x')) << QString(79, QLatin1Char('x'));
-    QTest::newRow("5000 characters")
-        << QString(5000, QLatin1Char('x')) << QString(79, QLatin1Char('x'));
-    QTest::newRow("cut inside a character") << QString(40, euro) << QString(26, euro);
-    QTest::newRow("quotes and back slashes") << R"("a" 'b' \n %s)"
-                                             << R"("a" 'b' \n %s)";
+    row("79 characters", QString(79, QLatin1Char('x')), QString(79, QLatin1Char('x')));
+    row("80 characters", QString(80, QLatin1Char('x')), QString(79, QLatin1Char('x')));
+    row("5000 characters", QString(5000, QLatin1Char('x')), QString(79, QLatin1Char('x')));
+    row("cut inside a character", QString(40, euro), QString(26, euro));
+    row("quotes and back slashes", R"("a" 'b' \n %s)", R"("a" 'b' \n %s)");
 }
 
 void SaveType::description_is_cut_and_reads_back()

@@ -241,6 +241,8 @@ private slots:
     void transition();
 
 private:
+    void check_bound_afresh(int saved, const LONG_TABLE &points) const;
+
     std::unique_ptr<ProcessPanel> m_it;
 };
 
@@ -261,9 +263,28 @@ void Transitions::transition()
         return;
     m_it->age();
     m_it->captured(transition.status);
+    const auto points = std::make_unique<LONG_TABLE>(
+        transition.event == REUSE ? g_cfg->long_previous : g_cfg->long_current);
     const PanelLook before = m_it->look();
     m_it->press(transition.event, transition.question, transition.goes_on);
     m_it->check(before, transition.event, transition.outcome);
+    if (transition.outcome.saved == SAVE_ADJUSTED || transition.outcome.saved == SAVE_REUSED)
+        check_bound_afresh(transition.outcome.saved, *points);
+}
+
+// A decision leaves what the archive holds, with the points captured or the
+// former ones, and nothing captured.
+void Transitions::check_bound_afresh(int saved, const LONG_TABLE &points) const
+{
+    QCOMPARE(int(g_cfg->table.last_save_type), saved);
+    QCOMPARE(g_cfg->table.worst_status, uint16_t(0));
+    QCOMPARE(g_captured_points, 0);
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(m_it->it.window->row(i)->caption(), QStringLiteral("Capture"));
+        QCOMPARE(m_it->it.window->row(i)->value_style(),
+                 QStringLiteral("background-color: rgb(0,255,0)"));
+        QCOMPARE(g_cfg->long_current.y[i], points.y[i]);
+    }
 }
 
 WINDOW_TEST(Transitions);

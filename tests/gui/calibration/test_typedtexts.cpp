@@ -40,8 +40,8 @@ class TypedTexts : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void texts_of_a_recording_data();
     void texts_of_a_recording();
     void names_of_blanks_are_names();
@@ -52,16 +52,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void TypedTexts::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void TypedTexts::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 // Gives what the field then holds.
 QString TypedTexts::paste(QLineEdit *field, const QString &text)
@@ -87,39 +77,38 @@ void TypedTexts::record(const QString &comment)
 
 void TypedTexts::texts_of_a_recording_data()
 {
-    QTest::addColumn<QString>("text");
+    const auto row = test_columns<QString>("text");
     const QString smiley = QString::fromUtf8("\xF0\x9F\x98\x80");
-    QTest::newRow("31 letters") << QString(31, 'a');
-    QTest::newRow("32 letters") << QString(32, 'a');
-    QTest::newRow("79 letters") << QString(79, 'a');
-    QTest::newRow("80 letters") << QString(80, 'a');
-    QTest::newRow("10,000 letters") << QString(10000, 'a');
-    QTest::newRow("two bytes each") << QString::fromUtf8("°").repeated(60);
-    QTest::newRow("two bytes each behind a letter")
-        << QStringLiteral("a") + QString::fromUtf8("°").repeated(60);
-    QTest::newRow("three bytes each") << QString::fromUtf8("€").repeated(60);
-    QTest::newRow("three bytes each behind a letter")
-        << QStringLiteral("a") + QString::fromUtf8("€").repeated(60);
-    QTest::newRow("four bytes each") << smiley.repeated(60);
+    row("31 letters", QString(31, 'a'));
+    row("32 letters", QString(32, 'a'));
+    row("79 letters", QString(79, 'a'));
+    row("80 letters", QString(80, 'a'));
+    row("10,000 letters", QString(10000, 'a'));
+    row("two bytes each", QString::fromUtf8("°").repeated(60));
+    row("two bytes each behind a letter",
+        QStringLiteral("a") + QString::fromUtf8("°").repeated(60));
+    row("three bytes each", QString::fromUtf8("€").repeated(60));
+    row("three bytes each behind a letter",
+        QStringLiteral("a") + QString::fromUtf8("€").repeated(60));
+    row("four bytes each", smiley.repeated(60));
     for (int letters = 1; letters < 4; ++letters)
         QTest::addRow("four bytes each behind %d letters", letters)
             << QString(letters, 'a') + smiley.repeated(60);
-    QTest::newRow("quotes") << QStringLiteral("J. \"Bob\" O'Brien `x` \\\" \\n \\");
-    QTest::newRow("line feeds") << QStringLiteral("first\nsecond\r\nthird\n\n\tend\n");
-    QTest::newRow("separators of lines and paragraphs")
-        << QStringLiteral("first") + QChar(0x2028) + QStringLiteral("second") + QChar(0x2029);
-    QTest::newRow("the head of a block") << QStringLiteral("\nVORNAX-TABLE 1\nend 00000000\n");
-    QTest::newRow("a shell's work")
-        << QStringLiteral("$(touch /cell/x); `touch /cell/x` & > /cell/x");
-    QTest::newRow("a format") << QStringLiteral("%s%n%1%2");
-    QTest::newRow("a zero ends it") << QStringLiteral("be") + QChar(0) + QStringLiteral("hind");
-    QTest::newRow("half a surrogate pair") << QStringLiteral("a") + QChar(0xD83D);
-    QTest::newRow("all control characters") << [] {
+    row("quotes", QStringLiteral("J. \"Bob\" O'Brien `x` \\\" \\n \\"));
+    row("line feeds", QStringLiteral("first\nsecond\r\nthird\n\n\tend\n"));
+    row("separators of lines and paragraphs",
+        QStringLiteral("first") + QChar(0x2028) + QStringLiteral("second") + QChar(0x2029));
+    row("the head of a block", QStringLiteral("\nVORNAX-TABLE 1\nend 00000000\n"));
+    row("a shell's work", QStringLiteral("$(touch /cell/x); `touch /cell/x` & > /cell/x"));
+    row("a format", QStringLiteral("%s%n%1%2"));
+    row("a zero ends it", QStringLiteral("be") + QChar(0) + QStringLiteral("hind"));
+    row("half a surrogate pair", QStringLiteral("a") + QChar(0xD83D));
+    row("all control characters", [] {
         QString text;
         for (ushort c = 1; c < 32; ++c)
             text += QChar(c);
         return text + QChar(127);
-    }();
+    }());
 }
 
 void TypedTexts::texts_of_a_recording()

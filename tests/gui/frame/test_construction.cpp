@@ -16,7 +16,7 @@ class Construction : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void session_blocks_are_zero();
     void tolerance_tokens();
     void process_wide_values();
@@ -47,11 +47,6 @@ void Construction::initTestCase()
     g_first_select = 0;
     g_monitor_enabled = 0;
     m_it = std::make_unique<TestWindow>();
-}
-
-void Construction::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 void Construction::session_blocks_are_zero()
@@ -129,9 +124,8 @@ void Construction::visibility_data()
 
 void Construction::visibility()
 {
-    QFETCH(bool, hidden);
     const QString name = QString::fromLatin1(QTest::currentDataTag());
-    QCOMPARE(m_it->window->findChild<QWidget *>(name)->isHidden(), hidden);
+    QTEST(m_it->window->findChild<QWidget *>(name)->isHidden(), "hidden");
 }
 
 void Construction::enabled_data()

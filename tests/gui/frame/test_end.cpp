@@ -15,8 +15,8 @@ class End : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void time_in_its_field_is_not_judged_data();
     void time_in_its_field_is_not_judged();
@@ -31,16 +31,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void End::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void End::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void End::init()
 {

@@ -62,8 +62,7 @@ void Form::window()
 
 void Form::widgets_data()
 {
-    QTest::addColumn<QString>("class_name");
-    QTest::addColumn<QString>("text");
+    const auto add = test_columns<QString, QString>("class_name", "text");
     const struct {
         const char *name;
         const char *class_name;
@@ -130,13 +129,11 @@ void Form::widgets_data()
         {"coeffFrame", "QFrame", ""},
     };
     for (const auto &row : rows)
-        QTest::newRow(row.name) << QString::fromLatin1(row.class_name)
-                                << QString::fromLatin1(row.text);
+        add(row.name, QString::fromLatin1(row.class_name), QString::fromLatin1(row.text));
     for (int i = 0; i < 8; ++i) {
-        QTest::newRow(qPrintable(QStringLiteral("lblCoeff%1").arg(i)))
-            << "QLabel" << QStringLiteral("Co %1:").arg(i);
-        QTest::newRow(qPrintable(QStringLiteral("lblCoeff%1Value").arg(i))) << "QLabel"
-                                                                            << "";
+        add(qPrintable(QStringLiteral("lblCoeff%1").arg(i)), "QLabel",
+            QStringLiteral("Co %1:").arg(i));
+        add(qPrintable(QStringLiteral("lblCoeff%1Value").arg(i)), "QLabel", "");
     }
 }
 
@@ -153,26 +150,23 @@ void Form::widgets()
 
 void Form::combo_items_data()
 {
-    QTest::addColumn<QStringList>("items");
-    QTest::addColumn<int>("index");
-    QTest::newRow("cboCurrentChannel") << QStringList() << -1;
-    QTest::newRow("cboCalType") << QStringList{"INTERP", "POLY", "POLY_RANGE"} << 0;
-    QTest::newRow("cboOrderOfPolynomial") << QStringList() << -1;
-    QTest::newRow("cboPolyRangeIndex") << QStringList{"0", "1", "2", "3", "4", "5", "6", "7"} << 0;
+    const auto row = test_columns<QStringList, int>("items", "index");
+    row("cboCurrentChannel", QStringList(), -1);
+    row("cboCalType", QStringList{"INTERP", "POLY", "POLY_RANGE"}, 0);
+    row("cboOrderOfPolynomial", QStringList(), -1);
+    row("cboPolyRangeIndex", QStringList{"0", "1", "2", "3", "4", "5", "6", "7"}, 0);
 }
 
 void Form::combo_items()
 {
-    QFETCH(QStringList, items);
-    QFETCH(int, index);
     const auto *combo =
         qobject_cast<QComboBox *>(part(QString::fromLatin1(QTest::currentDataTag())));
     QVERIFY(combo != nullptr);
     QStringList found;
     for (int i = 0; i < combo->count(); ++i)
         found.append(combo->itemText(i));
-    QCOMPARE(found, items);
-    QCOMPARE(combo->currentIndex(), index);
+    QTEST(found, "items");
+    QTEST(combo->currentIndex(), "index");
 }
 
 void Form::editable()
@@ -195,8 +189,7 @@ void Form::style_sheets_data()
 
 void Form::style_sheets()
 {
-    QFETCH(QString, style);
-    QCOMPARE(part(QString::fromLatin1(QTest::currentDataTag()))->styleSheet(), style);
+    QTEST(part(QString::fromLatin1(QTest::currentDataTag()))->styleSheet(), "style");
 }
 
 // The texts differ among themselves, and are so.
@@ -216,8 +209,7 @@ void Form::tool_tips_data()
 
 void Form::tool_tips()
 {
-    QFETCH(QString, tip);
-    QCOMPARE(part(QString::fromLatin1(QTest::currentDataTag()))->toolTip(), tip);
+    QTEST(part(QString::fromLatin1(QTest::currentDataTag()))->toolTip(), "tip");
 }
 
 void Form::process_boxes_are_read_only()

@@ -15,8 +15,8 @@ class Menus : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void menus_in_their_order();
     void entries_data();
     void entries();
@@ -40,16 +40,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void Menus::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void Menus::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 QMenu *Menus::menu(const QString &title) const
 {
@@ -106,66 +96,48 @@ void Menus::entries_data()
 
 void Menus::entries()
 {
-    QFETCH(QStringList, names);
     const QMenu *found = menu(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(found != nullptr);
     QStringList entries;
     for (const QAction *entry : found->actions())
         entries += entry->isSeparator() ? QStringLiteral("-") : entry->objectName();
-    QCOMPARE(entries, names);
+    QTEST(entries, "names");
 }
 
 void Menus::actions_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<bool>("enabled");
-    QTest::addColumn<bool>("visible");
-    QTest::newRow("actionExit") << "Exit"
-                                << "F10" << true << true;
-    QTest::newRow("actionTable_Info") << "Table Info ..."
-                                      << "Alt+E" << true << true;
-    QTest::newRow("actionTable_Value_Units") << "Table Value Units ..."
-                                             << "Alt+U" << false << false;
-    QTest::newRow("actionEnvironment_Variables") << "Environment Variables"
-                                                 << "" << false << false;
-    QTest::newRow("actionWorking_Standard_Info") << "Working Standard Info ..."
-                                                 << "" << false << false;
-    QTest::newRow("actionView_Previous_Calibration_Report") << "&View Previous Calibration Report"
-                                                            << "" << false << false;
-    QTest::newRow("actionStatistics_Chart") << "Statistics Chart ..."
-                                            << "Alt+S" << false << false;
-    QTest::newRow("actionPoint_Statistics") << "&Point Statistics"
-                                            << "" << true << true;
-    QTest::newRow("actionCal_Statistics_Chart") << "Polynomial &Regression Info"
-                                                << "" << true << true;
-    QTest::newRow("actionInstructions") << "Instructions"
-                                        << "F1" << true << true;
-    QTest::newRow("actionAbout_Zerl") << "About Zerl"
-                                      << "" << true << true;
-    QTest::newRow("actionReload_from_File") << "Reload from File"
-                                            << "F3" << true << true;
-    QTest::newRow("actionSave_to_File") << "Save to File"
-                                        << "F4" << true << true;
-    QTest::newRow("actionSave_to_File_and_Rebuild_Tables") << "Save to File and Rebuild Tables"
-                                                           << "F2" << true << true;
-    QTest::newRow("actionRebuild_Tables") << "Rebuild Tables"
-                                          << "F5" << true << true;
+    const auto row =
+        test_columns<QString, QString, bool, bool>("text", "key", "enabled", "visible");
+    row("actionExit", "Exit", "F10", true, true);
+    row("actionTable_Info", "Table Info ...", "Alt+E", true, true);
+    row("actionTable_Value_Units", "Table Value Units ...", "Alt+U", false, false);
+    row("actionEnvironment_Variables", "Environment Variables", "", false, false);
+    row("actionWorking_Standard_Info", "Working Standard Info ...", "", false, false);
+    row("actionView_Previous_Calibration_Report", "&View Previous Calibration Report", "", false,
+        false);
+    row("actionStatistics_Chart", "Statistics Chart ...", "Alt+S", false, false);
+    row("actionPoint_Statistics", "&Point Statistics", "", true, true);
+    row("actionCal_Statistics_Chart", "Polynomial &Regression Info", "", true, true);
+    row("actionInstructions", "Instructions", "F1", true, true);
+    row("actionAbout_Zerl", "About Zerl", "", true, true);
+    row("actionReload_from_File", "Reload from File", "F3", true, true);
+    row("actionSave_to_File", "Save to File", "F4", true, true);
+    row("actionSave_to_File_and_Rebuild_Tables", "Save to File and Rebuild Tables", "F2", true,
+        true);
+    row("actionRebuild_Tables", "Rebuild Tables", "F5", true, true);
 }
 
 void Menus::actions()
 {
     QFETCH(QString, text);
     QFETCH(QString, key);
-    QFETCH(bool, enabled);
-    QFETCH(bool, visible);
     const QAction *found = action(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(found != nullptr);
     QCOMPARE(found->text(), text);
     QCOMPARE(found->shortcut(), QKeySequence(key));
     // Actions of a menu are grey with it; their own flag is what counts here.
-    QCOMPARE(found->isEnabled(), enabled);
-    QCOMPARE(found->isVisible(), visible);
+    QTEST(found->isEnabled(), "enabled");
+    QTEST(found->isVisible(), "visible");
 }
 
 void Menus::actions_in_no_menu_data()
@@ -221,16 +193,14 @@ void Menus::slots_in_the_order_of_the_meta_object()
 // A connection by name needs a sender of that name with that signal.
 void Menus::slots_are_connected_by_name_data()
 {
-    QTest::addColumn<QString>("sender");
-    QTest::addColumn<QByteArray>("signature");
+    const auto row = test_columns<QString, QByteArray>("sender", "signature");
     const QMetaObject *meta = m_it->window->metaObject();
     for (int i = meta->methodOffset() + 1; i < meta->methodCount(); ++i) {
         const QByteArray slot = meta->method(i).methodSignature();
         if (!slot.startsWith("on_"))
             continue;
         const int end = slot.lastIndexOf('_', slot.indexOf('('));
-        QTest::newRow(slot.constData())
-            << QString::fromLatin1(slot.mid(3, end - 3)) << slot.mid(end + 1);
+        row(slot.constData(), QString::fromLatin1(slot.mid(3, end - 3)), slot.mid(end + 1));
     }
 }
 

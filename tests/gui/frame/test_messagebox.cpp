@@ -86,38 +86,30 @@ void MessageBoxes::warning_has_its_own_title()
 
 void MessageBoxes::questions_data()
 {
-    QTest::addColumn<int>("mark");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
+    const auto row = test_columns<int, QString, QString>("mark", "title", "text");
     const QString not_recorded = QStringLiteral("Captured Points Not Recorded");
     const QString incomplete = QStringLiteral("Incomplete Calibration");
     const QString modified = QStringLiteral("Table Information Modified");
-    QTest::newRow("leaving captured points")
-        << int(QuestionMark::L1) << not_recorded
-        << "Captured points have not been recorded.\n\nClick OK to leave this channel anyway or "
-           "Cancel to return and record data.";
-    QTest::newRow("leaving an incomplete calibration")
-        << int(QuestionMark::L2) << incomplete
-        << "The calibration is incomplete.\n\nClick OK to leave this channel anyway or Cancel to "
-           "return and complete the calibration.";
-    QTest::newRow("leaving a modified table")
-        << int(QuestionMark::L3) << modified
-        << "The table information has been modified and will not be saved without updating the "
-           "calibration table.\n\nClick OK to leave this channel anyway or Cancel to return and "
-           "update the calibration.";
-    QTest::newRow("exit with captured points")
-        << int(QuestionMark::G1) << not_recorded
-        << "Captured points have not been recorded.\n\nClick OK to exit anyway or Cancel to return "
-           "and record data.";
-    QTest::newRow("exit with an incomplete calibration")
-        << int(QuestionMark::G2) << incomplete
-        << "The calibration is incomplete.\n\nClick OK to exit anyway or Cancel to return and "
-           "complete the calibration.";
-    QTest::newRow("exit with a modified table")
-        << int(QuestionMark::G3) << modified
-        << "The table information has been modified and will not be saved without updating the "
-           "calibration table.\n\nClick OK to exit anyway or Cancel to return and update the "
-           "calibration.";
+    row("leaving captured points", int(QuestionMark::L1), not_recorded,
+        "Captured points have not been recorded.\n\nClick OK to leave this channel anyway or "
+        "Cancel to return and record data.");
+    row("leaving an incomplete calibration", int(QuestionMark::L2), incomplete,
+        "The calibration is incomplete.\n\nClick OK to leave this channel anyway or Cancel to "
+        "return and complete the calibration.");
+    row("leaving a modified table", int(QuestionMark::L3), modified,
+        "The table information has been modified and will not be saved without updating the "
+        "calibration table.\n\nClick OK to leave this channel anyway or Cancel to return and "
+        "update the calibration.");
+    row("exit with captured points", int(QuestionMark::G1), not_recorded,
+        "Captured points have not been recorded.\n\nClick OK to exit anyway or Cancel to return "
+        "and record data.");
+    row("exit with an incomplete calibration", int(QuestionMark::G2), incomplete,
+        "The calibration is incomplete.\n\nClick OK to exit anyway or Cancel to return and "
+        "complete the calibration.");
+    row("exit with a modified table", int(QuestionMark::G3), modified,
+        "The table information has been modified and will not be saved without updating the "
+        "calibration table.\n\nClick OK to exit anyway or Cancel to return and update the "
+        "calibration.");
 }
 
 void MessageBoxes::questions()
@@ -137,20 +129,13 @@ void MessageBoxes::questions()
 
 void MessageBoxes::question_answers_data()
 {
-    QTest::addColumn<int>("mark");
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("default_button");
-    QTest::addColumn<bool>("agreed");
-    QTest::newRow("OK agrees") << int(QuestionMark::L1) << "OK"
-                               << "Cancel" << true;
-    QTest::newRow("Cancel does not") << int(QuestionMark::L1) << "Cancel"
-                                     << "Cancel" << false;
-    QTest::newRow("Yes agrees") << int(QuestionMark::R2) << "Yes"
-                                << "No" << true;
-    QTest::newRow("No does not") << int(QuestionMark::R2) << "No"
-                                 << "No" << false;
-    QTest::newRow("OK alone agrees") << int(QuestionMark::R1) << "OK"
-                                     << "OK" << true;
+    const auto row =
+        test_columns<int, QString, QString, bool>("mark", "button", "default_button", "agreed");
+    row("OK agrees", int(QuestionMark::L1), "OK", "Cancel", true);
+    row("Cancel does not", int(QuestionMark::L1), "Cancel", "Cancel", false);
+    row("Yes agrees", int(QuestionMark::R2), "Yes", "No", true);
+    row("No does not", int(QuestionMark::R2), "No", "No", false);
+    row("OK alone agrees", int(QuestionMark::R1), "OK", "OK", true);
 }
 
 void MessageBoxes::question_answers()
@@ -158,11 +143,10 @@ void MessageBoxes::question_answers()
     QFETCH(int, mark);
     QFETCH(QString, button);
     QFETCH(QString, default_button);
-    QFETCH(bool, agreed);
     BoxAnswerer answerer;
     const ProcessQuestion &asked = question(static_cast<QuestionMark>(mark));
     answerer.expect(QString::fromUtf8(asked.title), QString::fromUtf8(asked.text), button);
-    QCOMPARE(ask_question(nullptr, asked.mark), agreed);
+    QTEST(ask_question(nullptr, asked.mark), "agreed");
     QCOMPARE(answerer.met().first().default_button, default_button);
 }
 

@@ -20,8 +20,8 @@ class TableInfo : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void accepted();
     void rejected_changes_nothing();
     void key_alt_e_opens_it();
@@ -29,16 +29,6 @@ private slots:
 private:
     std::unique_ptr<TestWindow> m_it;
 };
-
-void TableInfo::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void TableInfo::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void TableInfo::accepted()
 {

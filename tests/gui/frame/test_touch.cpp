@@ -39,7 +39,7 @@ class Touch : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void fields_are_marked();
     void count_and_time_share_one_validator();
     void names_take_any_text();
@@ -80,11 +80,6 @@ void Touch::initTestCase()
     QLocale::setDefault(QLocale(QLocale::German));
     m_it =
         std::make_unique<TestWindow>(TestWindow::description(), [] { return new WatchedWindow; });
-}
-
-void Touch::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 void Touch::fields_are_marked()
@@ -152,15 +147,14 @@ void Touch::rows_take_numbers_only()
 // whatever the technician's locale.
 void Touch::numbers_are_read_as_they_are_typed_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("acceptable");
-    QTest::newRow("a decimal point") << "12.5" << true;
-    QTest::newRow("negative") << "-3.25" << true;
-    QTest::newRow("whole") << "40" << true;
-    QTest::newRow("a decimal comma") << "12,5" << false;
-    QTest::newRow("a comma between thousands") << "1,250" << false;
-    QTest::newRow("letters") << "abc" << false;
-    QTest::newRow("empty") << "" << false;
+    const auto row = test_columns<QString, bool>("text", "acceptable");
+    row("a decimal point", "12.5", true);
+    row("negative", "-3.25", true);
+    row("whole", "40", true);
+    row("a decimal comma", "12,5", false);
+    row("a comma between thousands", "1,250", false);
+    row("letters", "abc", false);
+    row("empty", "", false);
 }
 
 void Touch::numbers_are_read_as_they_are_typed()

@@ -58,15 +58,8 @@ void TypingPad::init()
 // key's shifted effect is the same.
 void TypingPad::keys_data()
 {
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QString>("normal");
-    QTest::addColumn<QString>("shift");
-    QTest::addColumn<QRect>("place");
-    QTest::addColumn<QString>("left");
-    QTest::addColumn<QString>("left_shifted");
-    QTest::addColumn<int>("cursor");
-    QTest::addColumn<bool>("open");
+    test_columns<QString, int, QString, QString, QRect, QString, QString, int, bool>(
+        "label", "mode", "normal", "shift", "place", "left", "left_shifted", "cursor", "open");
     const auto character = [](const QString &name, int mode, const QString &normal,
                               const QString &shift, int x, int y, int width = 60) {
         const QString typed = shift == "&&" ? QString("&") : shift;
@@ -123,18 +116,16 @@ void TypingPad::keys_data()
 
 void TypingPad::keys()
 {
-    QFETCH(QString, label);
     QFETCH(int, mode);
     QFETCH(QString, normal);
     QFETCH(QString, shift);
-    QFETCH(QRect, place);
     QFETCH(bool, open);
     QPushButton *const button = key(m_pad.get(), QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(button->text(), label);
+    QTEST(button->text(), "label");
     QCOMPARE(button->property("btnMode"), QVariant(mode));
     QCOMPARE(button->property("btnNormal"), QVariant(normal));
     QCOMPARE(button->property("btnShift"), QVariant(shift));
-    QCOMPARE(button->geometry(), place);
+    QTEST(button->geometry(), "place");
     QCOMPARE(button->parent()->objectName(), QStringLiteral("keyholder"));
     for (const bool shifted : {false, true}) {
         this->open(QStringLiteral("ab"));
@@ -173,12 +164,8 @@ void TypingPad::shifted_seven_shows_one_ampersand()
 
 void TypingPad::key_sequences_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("names");
-    QTest::addColumn<QString>("left");
-    QTest::addColumn<int>("cursor");
-    const auto row = [](const char *name, const char *text, const char *names, const char *left,
-                        int cursor) { QTest::newRow(name) << text << names << left << cursor; };
+    const auto row =
+        test_columns<QString, QString, QString, int>("text", "names", "left", "cursor");
     row("opened with abc, typing d", "abc", "d", "abcd", 4);
     row("left, left, x", "abcd", "left left x", "abxcd", 3);
     row("right at the end stays", "abc", "right d", "abcd", 4);
@@ -222,22 +209,21 @@ void TypingPad::key_sequences()
 
 void TypingPad::labels_data()
 {
-    QTest::addColumn<QString>("names");
-    QTest::addColumn<bool>("letters_shifted");
-    QTest::addColumn<bool>("symbols_shifted");
-    QTest::newRow("at first") << "" << false << false;
-    QTest::newRow("shift") << "lshift" << true << true;
-    QTest::newRow("shift twice") << "lshift lshift" << false << false;
-    QTest::newRow("shift and a letter") << "lshift a" << false << false;
-    QTest::newRow("shift and a symbol") << "lshift slash" << false << false;
-    QTest::newRow("shift and space") << "lshift space" << true << true;
-    QTest::newRow("caps") << "cabs" << true << false;
-    QTest::newRow("caps and a letter") << "cabs a" << true << false;
-    QTest::newRow("caps twice") << "cabs cabs" << false << false;
-    QTest::newRow("caps and shift") << "cabs lshift" << true << true;
-    QTest::newRow("caps and shift twice") << "cabs lshift lshift" << true << false;
-    QTest::newRow("caps, shift and a letter") << "cabs lshift a" << true << false;
-    QTest::newRow("shift and caps") << "lshift cabs" << true << false;
+    const auto row =
+        test_columns<QString, bool, bool>("names", "letters_shifted", "symbols_shifted");
+    row("at first", "", false, false);
+    row("shift", "lshift", true, true);
+    row("shift twice", "lshift lshift", false, false);
+    row("shift and a letter", "lshift a", false, false);
+    row("shift and a symbol", "lshift slash", false, false);
+    row("shift and space", "lshift space", true, true);
+    row("caps", "cabs", true, false);
+    row("caps and a letter", "cabs a", true, false);
+    row("caps twice", "cabs cabs", false, false);
+    row("caps and shift", "cabs lshift", true, true);
+    row("caps and shift twice", "cabs lshift lshift", true, false);
+    row("caps, shift and a letter", "cabs lshift a", true, false);
+    row("shift and caps", "lshift cabs", true, false);
 }
 
 void TypingPad::labels()

@@ -4,10 +4,9 @@
 // stays the active one, and texts that are long or strange.
 #include <QClipboard>
 #include <QDialog>
-#include <QFrame>
 #include <QtTest>
 
-#include "gui/input/touchscreen.h"
+#include "gui/input/bothpads.h"
 #include "support/testmain.h"
 
 using namespace touchscreen;
@@ -53,36 +52,18 @@ void TypingWindow::init()
 
 void TypingWindow::window_of_the_keyboard()
 {
-    QVERIFY(m_pad->isWindow());
-    QCOMPARE(m_pad->parentWidget(), nullptr);
-    QCOMPARE(m_pad->windowType(), Qt::Tool);
-    QVERIFY(m_pad->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    QCOMPARE(m_pad->windowModality(), Qt::WindowModal);
-    QCOMPARE(m_pad->windowTitle(), QStringLiteral("Keyboard"));
-    QCOMPARE(m_pad->minimumSize(), QSize(879, 426));
-    QCOMPARE(m_pad->maximumSize(), QSize(879, 426));
-    QVERIFY(!m_pad->isVisible());
-    // Left open it keeps the program no longer than its window.
-    QVERIFY(!m_pad->testAttribute(Qt::WA_QuitOnClose));
+    check_window_of_pad(*m_pad, QStringLiteral("Keyboard"), QSize(879, 426));
 }
 
 void TypingWindow::form_of_the_keyboard()
 {
-    const QLineEdit *value = display(m_pad.get());
-    QCOMPARE(value->geometry(), QRect(QPoint(10, 10), QPoint(870, 50)));
-    QCOMPARE(value->font().pointSize(), 10);
-    QCOMPARE(value->font().weight(), 75);
-    const auto *holder = m_pad->findChild<QFrame *>(QStringLiteral("keyholder"));
-    QCOMPARE(holder->geometry(), QRect(QPoint(10, 60), QPoint(870, 420)));
-    QCOMPARE(holder->frameShape(), QFrame::StyledPanel);
-    QCOMPARE(holder->frameShadow(), QFrame::Raised);
+    check_form_of_pad(*m_pad, QRect(QPoint(10, 10), QPoint(870, 50)),
+                      QRect(QPoint(10, 60), QPoint(870, 420)));
 }
 
 void TypingWindow::nothing_in_it_takes_the_focus()
 {
-    QCOMPARE(m_pad->focusPolicy(), Qt::NoFocus);
-    for (const QWidget *widget : m_pad->findChildren<QWidget *>())
-        QVERIFY2(widget->focusPolicy() == Qt::NoFocus, qPrintable(widget->objectName()));
+    check_nothing_takes_the_focus(*m_pad);
     open(QStringLiteral("abc"));
     tap(display(m_pad.get()));
     tap_key(m_pad.get(), "a");

@@ -4,12 +4,11 @@
 #include <QClipboard>
 #include <QDialog>
 #include <QDoubleValidator>
-#include <QFrame>
 #include <QIntValidator>
 #include <QSignalSpy>
 #include <QtTest>
 
-#include "gui/input/touchscreen.h"
+#include "gui/input/bothpads.h"
 #include "support/testmain.h"
 
 using namespace touchscreen;
@@ -68,48 +67,26 @@ void NumberPad::init()
 
 void NumberPad::window_of_the_pad()
 {
-    QVERIFY(m_pad->isWindow());
-    QCOMPARE(m_pad->parentWidget(), nullptr);
-    QCOMPARE(m_pad->windowType(), Qt::Tool);
-    QVERIFY(m_pad->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    QCOMPARE(m_pad->windowModality(), Qt::WindowModal);
-    QCOMPARE(m_pad->windowTitle(), QStringLiteral("Numpad"));
-    QCOMPARE(m_pad->minimumSize(), QSize(261, 380));
-    QCOMPARE(m_pad->maximumSize(), QSize(261, 380));
-    QVERIFY(!m_pad->isVisible());
-    // Left open it keeps the program no longer than its window.
-    QVERIFY(!m_pad->testAttribute(Qt::WA_QuitOnClose));
+    check_window_of_pad(*m_pad, QStringLiteral("Numpad"), QSize(261, 380));
 }
 
 void NumberPad::form_of_the_pad()
 {
-    const QLineEdit *value = display(m_pad.get());
-    QCOMPARE(value->geometry(), QRect(QPoint(10, 10), QPoint(250, 40)));
-    QCOMPARE(value->font().pointSize(), 10);
-    QCOMPARE(value->font().weight(), 75);
-    const auto *holder = m_pad->findChild<QFrame *>(QStringLiteral("keyholder"));
-    QCOMPARE(holder->geometry(), QRect(QPoint(10, 70), QPoint(250, 370)));
-    QCOMPARE(holder->frameShape(), QFrame::StyledPanel);
-    QCOMPARE(holder->frameShadow(), QFrame::Raised);
+    check_form_of_pad(*m_pad, QRect(QPoint(10, 10), QPoint(250, 40)),
+                      QRect(QPoint(10, 70), QPoint(250, 370)));
 }
 
 void NumberPad::nothing_in_the_pad_takes_the_focus()
 {
-    QCOMPARE(m_pad->focusPolicy(), Qt::NoFocus);
-    for (const QWidget *widget : m_pad->findChildren<QWidget *>())
-        QVERIFY2(widget->focusPolicy() == Qt::NoFocus, qPrintable(widget->objectName()));
+    check_nothing_takes_the_focus(*m_pad);
 }
 
 // The effect is told for the text 12.5, the first key being pressed.
 void NumberPad::keys_data()
 {
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QString>("normal");
-    QTest::addColumn<QString>("shift");
-    QTest::addColumn<QRect>("place");
-    QTest::addColumn<QString>("left"); // in the display
-    QTest::addColumn<bool>("open");
+    // left: in the display
+    test_columns<QString, int, QString, QString, QRect, QString, bool>(
+        "label", "mode", "normal", "shift", "place", "left", "open");
     const auto row = [](const char *name, const char *label, int mode, const char *normal,
                         const char *shift, int x, int y, const char *left, int rows = 1,
                         bool open = true) {
@@ -136,24 +113,20 @@ void NumberPad::keys_data()
 
 void NumberPad::keys()
 {
-    QFETCH(QString, label);
     QFETCH(int, mode);
     QFETCH(QString, normal);
     QFETCH(QString, shift);
-    QFETCH(QRect, place);
-    QFETCH(QString, left);
-    QFETCH(bool, open);
     QPushButton *const button = key(m_pad.get(), QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(button->text(), label);
+    QTEST(button->text(), "label");
     QCOMPARE(button->property("btnMode"), QVariant(mode));
     QCOMPARE(button->property("btnNormal"), QVariant(normal));
     QCOMPARE(button->property("btnShift"), QVariant(shift));
-    QCOMPARE(button->geometry(), place);
+    QTEST(button->geometry(), "place");
     QCOMPARE(button->parent()->objectName(), QStringLiteral("keyholder"));
     m_pad->setData(QStringLiteral("12.5"), &m_doubles);
     tap(button);
-    QCOMPARE(shown(m_pad.get()), left);
-    QCOMPARE(m_pad->isVisible(), open);
+    QTEST(shown(m_pad.get()), "left");
+    QTEST(m_pad->isVisible(), "open");
 }
 
 void NumberPad::no_other_keys()
@@ -168,12 +141,7 @@ void NumberPad::escape_has_a_status_tip_that_nothing_reads()
 
 void NumberPad::key_sequences_data()
 {
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("names");
-    QTest::addColumn<QString>("left");
-    const auto row = [](const char *name, const char *value, const char *names, const char *left) {
-        QTest::newRow(name) << value << names << left;
-    };
+    const auto row = test_columns<QString, QString, QString>("value", "names", "left");
     row("the first key replaces the value", "12.5", "7", "7");
     row("the next one adds to it", "12.5", "7 3", "73");
     row("backspace first edits the value, its period is left", "12.5", "backspace", "12.");
@@ -307,18 +275,16 @@ void NumberPad::unacceptable_text_is_red_in_all_groups_and_cannot_be_confirmed()
 
 void NumberPad::validators_data()
 {
-    QTest::addColumn<bool>("whole");
-    QTest::addColumn<QString>("names");
-    QTest::addColumn<bool>("acceptable");
-    QTest::newRow("a number") << false << "5" << true;
-    QTest::newRow("a negative one") << false << "5 10" << true;
-    QTest::newRow("a lone minus sign") << false << "5 10 backspace" << false;
-    QTest::newRow("nothing") << false << "clear" << false;
-    QTest::newRow("a period at the end") << false << "1 2 period" << true;
-    QTest::newRow("a whole number") << true << "1 2" << true;
-    QTest::newRow("a period in a whole number") << true << "1 2 period" << false;
-    QTest::newRow("taken back") << true << "1 2 period backspace" << true;
-    QTest::newRow("more than a whole number holds") << true << "9 9 9 9 9 9 9 9 9 9 9" << false;
+    const auto row = test_columns<bool, QString, bool>("whole", "names", "acceptable");
+    row("a number", false, "5", true);
+    row("a negative one", false, "5 10", true);
+    row("a lone minus sign", false, "5 10 backspace", false);
+    row("nothing", false, "clear", false);
+    row("a period at the end", false, "1 2 period", true);
+    row("a whole number", true, "1 2", true);
+    row("a period in a whole number", true, "1 2 period", false);
+    row("taken back", true, "1 2 period backspace", true);
+    row("more than a whole number holds", true, "9 9 9 9 9 9 9 9 9 9 9", false);
 }
 
 void NumberPad::validators()

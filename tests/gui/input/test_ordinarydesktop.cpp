@@ -15,7 +15,7 @@ class OrdinaryDesktop : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void there_is_no_device();
     void no_field_is_marked_or_judged();
     void double_click_opens_nothing();
@@ -30,11 +30,6 @@ void OrdinaryDesktop::initTestCase()
     QVERIFY(!g_touch_input);
     m_it = std::make_unique<TestWindow>();
     m_it->bind_afresh(0);
-}
-
-void OrdinaryDesktop::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 void OrdinaryDesktop::there_is_no_device()

@@ -31,7 +31,7 @@ class Owners : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void init();
     void device_of_the_window();
     void field_opens_its_pad_data();
@@ -78,11 +78,6 @@ void Owners::initTestCase()
 {
     g_touch_input = true;
     m_it = std::make_unique<TestWindow>();
-}
-
-void Owners::cleanupTestCase()
-{
-    m_it.reset();
 }
 
 void Owners::init()
@@ -137,11 +132,10 @@ void Owners::device_of_the_window()
 
 void Owners::field_opens_its_pad_data()
 {
-    QTest::addColumn<QString>("owner");
-    QTest::addColumn<bool>("numbers");
-    QTest::addColumn<bool>("by_tap"); // exactly three levels below the window
-    const auto row = [](const char *owner, const char *field, bool numbers, bool by_tap) {
-        QTest::newRow(field) << owner << numbers << by_tap;
+    // by_tap: exactly three levels below the window
+    const auto add = test_columns<QString, bool, bool>("owner", "numbers", "by_tap");
+    const auto row = [&](const char *owner, const char *field, bool numbers, bool by_tap) {
+        add(field, owner, numbers, by_tap);
     };
     row("MainWindow", "txtCalibrationQIE", false, true);
     row("MainWindow", "txtTechnicianName", false, true);

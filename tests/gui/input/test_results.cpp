@@ -32,7 +32,7 @@ class Results : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { m_device = std::make_unique<InputDevice>(QStringLiteral("Owner")); }
     void ok_sets_the_text_and_takes_the_focus();
     void field_that_is_silent_about_its_text_is_finished_too();
     void field_without_the_focus_is_finished_too();
@@ -59,11 +59,6 @@ private:
 
     std::unique_ptr<InputDevice> m_device;
 };
-
-void Results::init()
-{
-    m_device = std::make_unique<InputDevice>(QStringLiteral("Owner"));
-}
 
 void Results::ok_sets_the_text_and_takes_the_focus()
 {

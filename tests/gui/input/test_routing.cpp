@@ -48,7 +48,7 @@ class Routing : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { m_device = std::make_unique<InputDevice>(QStringLiteral("Owner")); }
     void device();
     void every_event_of_the_application_is_seen();
     void numbers_of_the_events();
@@ -83,11 +83,6 @@ private:
 
     std::unique_ptr<InputDevice> m_device;
 };
-
-void Routing::init()
-{
-    m_device = std::make_unique<InputDevice>(QStringLiteral("Owner"));
-}
 
 void Routing::device()
 {
@@ -152,12 +147,11 @@ void Routing::signal_that_nothing_emits()
 
 void Routing::taps_at_each_depth_data()
 {
-    QTest::addColumn<int>("depth");
-    QTest::addColumn<bool>("served");
-    QTest::newRow("in the window itself") << 1 << false;
-    QTest::newRow("two levels below") << 2 << false;
-    QTest::newRow("three levels below") << 3 << true;
-    QTest::newRow("four levels below") << 4 << false;
+    const auto row = test_columns<int, bool>("depth", "served");
+    row("in the window itself", 1, false);
+    row("two levels below", 2, false);
+    row("three levels below", 3, true);
+    row("four levels below", 4, false);
 }
 
 // The walk stops safely where the ancestors end sooner.
@@ -193,20 +187,16 @@ void Routing::tap_on_a_marked_window_without_ancestors()
 
 void Routing::tap_by_marks_data()
 {
-    QTest::addColumn<QVariant>("keyboard");
-    QTest::addColumn<QVariant>("numpad");
-    QTest::addColumn<bool>("enabled");
-    QTest::addColumn<bool>("swallowed");
-    QTest::addColumn<bool>("served");
+    const auto row = test_columns<QVariant, QVariant, bool, bool, bool>(
+        "keyboard", "numpad", "enabled", "swallowed", "served");
     const QVariant none;
-    QTest::newRow("no mark") << none << none << true << false << false;
-    QTest::newRow("a mark that says no") << QVariant(false) << none << true << false << false;
-    QTest::newRow("the mark") << QVariant(true) << none << true << true << true;
-    QTest::newRow("both marks") << QVariant(true) << QVariant(true) << true << true << true;
-    QTest::newRow("only the mark of the number pad")
-        << none << QVariant(true) << true << true << false;
-    QTest::newRow("a disabled field") << QVariant(true) << none << false << true << false;
-    QTest::newRow("a disabled field without a mark") << none << none << false << false << false;
+    row("no mark", none, none, true, false, false);
+    row("a mark that says no", QVariant(false), none, true, false, false);
+    row("the mark", QVariant(true), none, true, true, true);
+    row("both marks", QVariant(true), QVariant(true), true, true, true);
+    row("only the mark of the number pad", none, QVariant(true), true, true, false);
+    row("a disabled field", QVariant(true), none, false, true, false);
+    row("a disabled field without a mark", none, none, false, false, false);
 }
 
 void Routing::tap_by_marks()
@@ -288,12 +278,11 @@ void Routing::double_tap_by_kind()
 
 void Routing::pad_by_validator_data()
 {
-    QTest::addColumn<int>("validator");
-    QTest::addColumn<bool>("numbers");
-    QTest::newRow("none") << 0 << false;
-    QTest::newRow("of numbers") << 1 << true;
-    QTest::newRow("of whole numbers") << 2 << true;
-    QTest::newRow("of something else") << 3 << false;
+    const auto row = test_columns<int, bool>("validator", "numbers");
+    row("none", 0, false);
+    row("of numbers", 1, true);
+    row("of whole numbers", 2, true);
+    row("of something else", 3, false);
 }
 
 void Routing::pad_by_validator()

@@ -86,21 +86,12 @@ void EnvironmentDialogTest::fields_are_empty_for_empty_names()
 
 void EnvironmentDialogTest::empty_field_is_refused_data()
 {
-    QTest::addColumn<QString>("temperature");
-    QTest::addColumn<QString>("barometer");
-    QTest::addColumn<QString>("humidity");
-    QTest::newRow("no temperature") << ""
-                                    << "B"
-                                    << "H";
-    QTest::newRow("no barometer") << "T"
-                                  << ""
-                                  << "H";
-    QTest::newRow("no humidity") << "T"
-                                 << "B"
-                                 << "";
-    QTest::newRow("nothing") << ""
-                             << ""
-                             << "";
+    const auto row =
+        test_columns<QString, QString, QString>("temperature", "barometer", "humidity");
+    row("no temperature", "", "B", "H");
+    row("no barometer", "T", "", "H");
+    row("no humidity", "T", "B", "");
+    row("nothing", "", "", "");
 }
 
 // One box, the dialog stays, record and file are as they were.

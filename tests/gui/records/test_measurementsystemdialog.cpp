@@ -5,6 +5,7 @@
 
 #include "frame/line_rpt.h"
 #include "gui/sensor/tableinformation.h"
+#include "records/measurementsystem.h"
 #include "records/measurementsystemdialog.h"
 #include "support/testmain.h"
 
@@ -112,18 +113,13 @@ void SystemDialog::flags()
 
 void SystemDialog::starts_from_the_table_data()
 {
-    QTest::addColumn<double>("y_min");
-    QTest::addColumn<double>("y_max");
-    QTest::addColumn<QString>("units");
-    QTest::addColumn<QStringList>("texts");
-    QTest::newRow("whole numbers")
-        << -5.0 << 250.0 << "kPa" << QStringList({"-5", "250", "-5", "250"});
-    QTest::newRow("six digits") << 0.123456789 << 1234567.8 << "DEG_F"
-                                << QStringList(
-                                       {"0.123457", "1.23457e+06", "0.123457", "1.23457e+06"});
-    QTest::newRow("no channel yet") << 0.0 << 0.0 << "" << QStringList({"0", "0", "0", "0"});
-    QTest::newRow("units that look like a tag")
-        << 0.0 << 1.0 << "<b>kPa</b>" << QStringList({"0", "1", "0", "1"});
+    const auto row =
+        test_columns<double, double, QString, QStringList>("y_min", "y_max", "units", "texts");
+    row("whole numbers", -5.0, 250.0, "kPa", QStringList({"-5", "250", "-5", "250"}));
+    row("six digits", 0.123456789, 1234567.8, "DEG_F",
+        QStringList({"0.123457", "1.23457e+06", "0.123457", "1.23457e+06"}));
+    row("no channel yet", 0.0, 0.0, "", QStringList({"0", "0", "0", "0"}));
+    row("units that look like a tag", 0.0, 1.0, "<b>kPa</b>", QStringList({"0", "1", "0", "1"}));
 }
 
 void SystemDialog::starts_from_the_table()
@@ -203,39 +199,23 @@ void SystemDialog::empty_field()
 
 void SystemDialog::text_that_is_no_number_data()
 {
-    QTest::addColumn<int>("field");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QList<double>>("values");
-    QTest::newRow("first") << 0
-                           << "An invalid value was entered for Validation Nominal Range Min\n\n"
-                              "The entered value must be a double"
-                           << QList<double>{0, 12, 13, 14};
-    QTest::newRow("second") << 1
-                            << "An invalid value was entered for Validation Nominal Range Max\n\n"
-                               "The entered value must be a double"
-                            << QList<double>{1, 0, 13, 14};
-    QTest::newRow("third: the last keeps its former value")
-        << 2
-        << "An invalid value was entered for Min Expected Val\n\n"
-           "The entered value must be a double"
-        << QList<double>{1, 2, 0, 14};
-    QTest::newRow("fourth") << 3
-                            << "An invalid value was entered for Max Expected Val\n\n"
-                               "The entered value must be a double"
-                            << QList<double>{1, 2, 3, 0};
+    const auto row = test_columns<int, QList<double>>("field", "values");
+    row("first", EXPECTED_RANGE_MIN, QList<double>{0, 12, 13, 14});
+    row("second", EXPECTED_RANGE_MAX, QList<double>{1, 0, 13, 14});
+    row("third: the last keeps its former value", EXPECTED_MIN, QList<double>{1, 2, 0, 14});
+    row("fourth", EXPECTED_MAX, QList<double>{1, 2, 3, 0});
 }
 
 void SystemDialog::text_that_is_no_number()
 {
     QFETCH(int, field);
-    QFETCH(QString, text);
     QFETCH(QList<double>, values);
     MeasurementSystemDialog dialog(nullptr);
     BoxAnswerer answerer;
     answerer.expect_dialog(TITLE, [&](QDialog *open) {
         type_all(*open, {"1", "2", "3", "4"});
         part<QLineEdit>(*open, FIELDS[field])->setText("abc");
-        answerer.expect(QString(), text);
+        answerer.expect(QString(), invalid_value_text(static_cast<EXPECTED_VALUE>(field)));
         press(*open, "btnOK");
         QVERIFY(open->isVisible());
         QCOMPARE(part<QLineEdit>(*open, FIELDS[field])->text(), QString("abc"));

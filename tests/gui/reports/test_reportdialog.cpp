@@ -282,11 +282,10 @@ void ReportDialogTest::address_is_not_selected()
 
 void ReportDialogTest::nothing_entered_adds_nothing_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("accepted");
-    QTest::newRow("cancelled") << "a@cell" << false;
-    QTest::newRow("accepted empty") << "" << true;
-    QTest::newRow("cancelled empty") << "" << false;
+    const auto row = test_columns<QString, bool>("text", "accepted");
+    row("cancelled", "a@cell", false);
+    row("accepted empty", "", true);
+    row("cancelled empty", "", false);
 }
 
 void ReportDialogTest::nothing_entered_adds_nothing()

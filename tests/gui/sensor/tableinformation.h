@@ -13,6 +13,7 @@
 
 #include "frame/zerl_cfg.h"
 #include "sensor/configdialog2.h"
+#include "sensor/sensorrange.h"
 #include "sensor/tolerances.h"
 #include "support/boxanswerer.h"
 
@@ -81,5 +82,17 @@ inline void fresh_session()
     table.sensor_range_min = 0.0;
     table.sensor_range_max = 100.0;
 }
+
+// A fresh session, and what answers its boxes; the next finds another session.
+class SessionBoxes : public BoxAnswerer
+{
+public:
+    SessionBoxes() { fresh_session(); }
+    ~SessionBoxes() override
+    {
+        fresh_session();
+        mua_instance_index = 0;
+    }
+};
 
 #endif

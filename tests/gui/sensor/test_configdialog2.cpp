@@ -38,8 +38,8 @@ class TableInformation : public QObject
 
 private slots:
     void initTestCase();
-    void init();
-    void cleanup();
+    void init() { m_boxes = std::make_unique<SessionBoxes>(); }
+    void cleanup() { m_boxes.reset(); }
     void form();
     void form_texts_data();
     void form_texts();
@@ -62,7 +62,7 @@ private slots:
     void label_biases();
 
 private:
-    std::unique_ptr<BoxAnswerer> m_boxes;
+    std::unique_ptr<SessionBoxes> m_boxes;
 };
 
 void TableInformation::initTestCase()
@@ -70,19 +70,6 @@ void TableInformation::initTestCase()
     QCOMPARE(units_init_access(1) & 0xffff, 0);
     qputenv("TZ", "XST-14"); // a zone where it is another day than in UTC
     tzset();
-}
-
-void TableInformation::init()
-{
-    fresh_session();
-    m_boxes = std::make_unique<BoxAnswerer>();
-}
-
-void TableInformation::cleanup()
-{
-    m_boxes.reset();
-    fresh_session();
-    mua_instance_index = 0;
 }
 
 void TableInformation::form()
@@ -284,27 +271,10 @@ void TableInformation::events_of_touch_fields_come_to_the_dialog()
 
 void TableInformation::reason_boxes_data()
 {
-    QTest::addColumn<uint>("reason");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("reversed") << 1u
-                              << "The Sensor Lower Range Value is greater than the Upper Range "
-                                 "Value.\n\nPress OK to update Table Information";
-    QTest::newRow("the same") << 2u
-                              << "The Sensor Lower and Upper Range Values are the same.\n\n"
-                                 "Press OK to update Table Information";
-    QTest::newRow("no number") << 3u
-                               << "The Sensor Lower and Upper Range Values are INVALID and need to "
-                                  "be updated.\n\nPress OK to update Table Information";
-    QTest::newRow("units missing") << 5u
-                                   << "The Sensor Range Units must be specified.\n\n"
-                                      "Press OK to update Table Information";
-    QTest::newRow("units none") << 6u
-                                << "The Sensor Range Units = NONE and need to be updated.\n\n"
-                                   "Press OK to update Table Information";
-    QTest::newRow("units unlike: the sensor's first, then the table's")
-        << 7u
-        << "The Sensor Range Units (DEG_F) are not compatible with the table units (kPa).\n\n"
-           "Press OK to update Table Information";
+    const auto row = test_columns<uint, QString>("reason", "text");
+    row("units unlike: the sensor's first, then the table's", 7u,
+        "The Sensor Range Units (DEG_F) are not compatible with the table units (kPa).\n\n"
+        "Press OK to update Table Information");
 }
 
 void TableInformation::reason_boxes()
@@ -321,10 +291,9 @@ void TableInformation::reason_boxes()
 
 void TableInformation::no_reason_box_data()
 {
-    QTest::addColumn<bool>("show_reason");
-    QTest::addColumn<uint>("reason");
-    QTest::newRow("no reason") << true << 0u;
-    QTest::newRow("reason not to be shown") << false << 1u;
+    const auto row = test_columns<bool, uint>("show_reason", "reason");
+    row("no reason", true, 0u);
+    row("reason not to be shown", false, 1u);
 }
 
 void TableInformation::no_reason_box()
@@ -337,23 +306,19 @@ void TableInformation::no_reason_box()
 
 void TableInformation::label_tolerances_data()
 {
-    QTest::addColumn<QString>("token");
-    QTest::addColumn<QByteArray>("sensor");
-    QTest::addColumn<double>("value"); // of a span of 100
-    QTest::addColumn<QString>("warning");
-    QTest::addColumn<int>("index");
+    // value: of a span of 100
+    const auto row = test_columns<QString, QByteArray, double, QString, int>(
+        "token", "sensor", "value", "warning", "index");
     const QString w1 = "Defaulting to the NONE MUA Instance Name and Tolerance values.\n\n"
                        "The tolerance units are not compatible with the sensor units.";
     const QString w2 = "Defaulting to the NONE MUA Instance Name and Tolerance values.\n\n"
                        "The tolerance units are not compatible with the calibration table units.";
-    QTest::newRow("a fraction: the label's token")
-        << "5[PCT]" << QByteArray("kPa") << 5.0 << QString() << 7;
-    QTest::newRow("absolute: the label's token")
-        << "1[PSI]" << QByteArray("kPa") << 6.894757293168361 << QString() << 7;
-    QTest::newRow("unlike the sensor: the label's token, index reset")
-        << "3[DEG_F]" << QByteArray("kPa") << 300.0 << w1 << 0;
-    QTest::newRow("unlike the table: the NONE token, index kept")
-        << "5[PCT]" << QByteArray("PCT") << 1.0 << w2 << 7;
+    row("a fraction: the label's token", "5[PCT]", QByteArray("kPa"), 5.0, QString(), 7);
+    row("absolute: the label's token", "1[PSI]", QByteArray("kPa"), 6.894757293168361, QString(),
+        7);
+    row("unlike the sensor: the label's token, index reset", "3[DEG_F]", QByteArray("kPa"), 300.0,
+        w1, 0);
+    row("unlike the table: the NONE token, index kept", "5[PCT]", QByteArray("PCT"), 1.0, w2, 7);
 }
 
 void TableInformation::label_tolerances()
@@ -361,7 +326,6 @@ void TableInformation::label_tolerances()
     QFETCH(QString, token);
     QFETCH(QByteArray, sensor);
     QFETCH(QString, warning);
-    QFETCH(int, index);
     set_text(g_cfg->table.sensor_units, sensor);
     ConfigDialog2 dialog(nullptr, false, 0);
     part<QLabel>(dialog, "lblOOTTolerance")->setText(token);
@@ -371,7 +335,7 @@ void TableInformation::label_tolerances()
     QCOMPARE(m_boxes->remaining(), 0);
     for (const MetBox &box : m_boxes->met())
         QVERIFY(is_ok_box(box));
-    QCOMPARE(int(mua_instance_index), index);
+    QTEST(int(mua_instance_index), "index");
 }
 
 void TableInformation::label_biases()

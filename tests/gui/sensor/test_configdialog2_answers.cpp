@@ -15,9 +15,9 @@ class TableInformationAnswers : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { QCOMPARE(units_init_access(1) & 0xffff, 0); }
+    void init() { m_boxes = std::make_unique<SessionBoxes>(); }
+    void cleanup() { m_boxes.reset(); }
     void ok_without_an_edit();
     void ok_with_an_edit_data();
     void ok_with_an_edit();
@@ -31,26 +31,8 @@ private slots:
     void exec_result();
 
 private:
-    std::unique_ptr<BoxAnswerer> m_boxes;
+    std::unique_ptr<SessionBoxes> m_boxes;
 };
-
-void TableInformationAnswers::initTestCase()
-{
-    QCOMPARE(units_init_access(1) & 0xffff, 0);
-}
-
-void TableInformationAnswers::init()
-{
-    fresh_session();
-    m_boxes = std::make_unique<BoxAnswerer>();
-}
-
-void TableInformationAnswers::cleanup()
-{
-    m_boxes.reset();
-    fresh_session();
-    mua_instance_index = 0;
-}
 
 void TableInformationAnswers::ok_without_an_edit()
 {
@@ -76,42 +58,23 @@ void TableInformationAnswers::ok_without_an_edit()
 
 void TableInformationAnswers::ok_with_an_edit_data()
 {
-    QTest::addColumn<QString>("widget");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("description") << "txtDescription"
-                                 << "Exhaust"
-                                 << "Exhaust";
-    QTest::newRow("description emptied") << "txtDescription"
-                                         << ""
-                                         << "";
-    QTest::newRow("description with blanks around") << "txtDescription"
-                                                    << "  Oil  "
-                                                    << "Oil";
-    QTest::newRow("description of 32 characters is cut")
-        << "txtDescription" << QString(32, 'd') << QString(31, 'd');
-    QTest::newRow("serial number") << "txtSerialNumber"
-                                   << " SN-205"
-                                   << "SN-205";
-    QTest::newRow("model") << "txtSensorMfgModel"
-                           << "Model 8 "
-                           << "Model 8";
-    QTest::newRow("units") << "btnSensorUnits"
-                           << "PSI"
-                           << "PSI";
-    QTest::newRow("lower limit") << "txtLowerRangeLimit"
-                                 << "-10.5"
-                                 << "-10.5";
-    QTest::newRow("upper limit") << "txtUpperRangeLimit"
-                                 << "200"
-                                 << "200";
+    const auto row = test_columns<QString, QString, QString>("widget", "text", "stored");
+    row("description", "txtDescription", "Exhaust", "Exhaust");
+    row("description emptied", "txtDescription", "", "");
+    row("description with blanks around", "txtDescription", "  Oil  ", "Oil");
+    row("description of 32 characters is cut", "txtDescription", QString(32, 'd'),
+        QString(31, 'd'));
+    row("serial number", "txtSerialNumber", " SN-205", "SN-205");
+    row("model", "txtSensorMfgModel", "Model 8 ", "Model 8");
+    row("units", "btnSensorUnits", "PSI", "PSI");
+    row("lower limit", "txtLowerRangeLimit", "-10.5", "-10.5");
+    row("upper limit", "txtUpperRangeLimit", "200", "200");
 }
 
 void TableInformationAnswers::ok_with_an_edit()
 {
     QFETCH(QString, widget);
     QFETCH(QString, text);
-    QFETCH(QString, stored);
     ConfigDialog2 dialog(nullptr, false, 0);
     dialog.show();
     show_on(dialog, widget, text);
@@ -130,7 +93,7 @@ void TableInformationAnswers::ok_with_an_edit()
         {"btnSensorUnits", table.sensor_units},
         {"txtLowerRangeLimit", QString::number(table.sensor_range_min)},
         {"txtUpperRangeLimit", QString::number(table.sensor_range_max)}};
-    QCOMPARE(record.value(widget), stored);
+    QTEST(record.value(widget), "stored");
 }
 
 void TableInformationAnswers::ok_after_a_tiny_change_of_a_limit()
@@ -155,42 +118,19 @@ void TableInformationAnswers::ok_takes_new_limits()
     QCOMPARE(g_cfg->table.oot_tol, 0.01 * 200.0 / 6.894757293168361);
 }
 
+// Each reason once, with its box.
 void TableInformationAnswers::ok_refused_data()
 {
-    const QString values = "Invalid Sensor Range Limit VALUES";
-    const QString units = "Invalid Sensor Range UNITS";
-    QTest::addColumn<QString>("lower");
-    QTest::addColumn<QString>("upper");
-    QTest::addColumn<QString>("sensor_units");
-    QTest::addColumn<uint>("reason");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char *name, const char *lower, const char *upper, const char *keyword,
-                        uint reason, const QString &title, const QString &text) {
-        QTest::newRow(name) << lower << upper << keyword << reason << title << text;
-    };
-    row("reversed", "100", "0", "PSI", 1, values,
-        "The entered value for the Sensor Range Lower Limit cannot be more than the Sensor Range "
-        "Upper Limit value\n\nPlease reenter the Limit Values.");
-    row("the same", "7", "7", "PSI", 2, values,
-        "The Sensor Range Lower and Upper Limit Values cannot be the same\n\n"
-        "Please reenter the Limit Values.");
-    row("no number", "nan", "7", "PSI", 3, values,
-        "NAN is not an acceptable value for the Sensor Range Lower or Upper Limit Values\n\n"
-        "Please reenter the Limit Values.");
-    row("an unreadable upper limit reads as 0", "7", "12 kPa", "PSI", 1, values,
-        "The entered value for the Sensor Range Lower Limit cannot be more than the Sensor Range "
-        "Upper Limit value\n\nPlease reenter the Limit Values.");
-    row("unreadable lower limit", "low", "7", "PSI", 4, values,
-        "Invalid data was entered for the Sensor Range Lower or Upper Limit Values\n\n"
-        "Please reenter the Limit Values");
-    row("units missing", "5", "50", "", 5, units,
-        "The Sensor Range Units must be specified\n\nPlease reselect the Sensor Range Units.");
-    row("units none", "5", "50", "none", 6, units,
-        "The Sensor Range Units cannot be NONE\n\nPlease reselect the Sensor Range Units.");
-    row("units unlike", "5", "50", "DEG_F", 7, units,
-        "The Sensor Range Units (DEG_F) are not compatible with the table units (kPa).\n\n"
-        "Please reselect the Sensor Range Units.");
+    const auto row =
+        test_columns<QString, QString, QString, uint>("lower", "upper", "sensor_units", "reason");
+    row("reversed", "100", "0", "PSI", 1);
+    row("the same", "7", "7", "PSI", 2);
+    row("no number", "nan", "7", "PSI", 3);
+    row("an unreadable upper limit reads as 0", "7", "12 kPa", "PSI", 1);
+    row("unreadable lower limit", "low", "7", "PSI", 4);
+    row("units missing", "5", "50", "", 5);
+    row("units none", "5", "50", "none", 6);
+    row("units unlike", "5", "50", "DEG_F", 7);
 }
 
 void TableInformationAnswers::ok_refused()
@@ -199,8 +139,6 @@ void TableInformationAnswers::ok_refused()
     QFETCH(QString, upper);
     QFETCH(QString, sensor_units);
     QFETCH(uint, reason);
-    QFETCH(QString, title);
-    QFETCH(QString, text);
     set_text(g_cfg->table.mua_instance_name, " cell 4 ");
     ConfigDialog2 dialog(nullptr, false, 0);
     dialog.show();
@@ -209,7 +147,7 @@ void TableInformationAnswers::ok_refused()
     type(dialog, "txtUpperRangeLimit", upper);
     show_on(dialog, "btnSensorUnits", sensor_units);
     const auto before = std::make_unique<ZERL_CFG>(*g_cfg);
-    m_boxes->expect(title, text);
+    m_boxes->expect(range_refusal_title(reason), range_refusal_text(reason, sensor_units, "kPa"));
     press(dialog, "btnOk");
     QCOMPARE(m_boxes->remaining(), 0);
     QVERIFY(is_ok_box(m_boxes->met().first()));
@@ -239,15 +177,8 @@ void TableInformationAnswers::ok_converts_the_extremes_back()
 void TableInformationAnswers::cancel_data()
 {
     const double nan = qQNaN();
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::addColumn<QString>("widget");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("warns");
-    const auto row = [](const char *name, double min, double max, const char *widget,
-                        const char *text, bool warns) {
-        QTest::newRow(name) << min << max << QString(widget) << QString(text) << warns;
-    };
+    const auto row = test_columns<double, double, QString, QString, bool>("min", "max", "widget",
+                                                                          "text", "warns");
     row("nothing changed", 0, 100, "txtSerialNumber", "SN-204", false);
     row("description changed", 0, 100, "txtDescription", "Exhaust", true);
     row("serial number changed", 0, 100, "txtSerialNumber", "SN-205", true);
@@ -270,6 +201,12 @@ void TableInformationAnswers::cancel_data()
         false);
     row("a blank more", 0, 100, "txtDescription", "Intake pressure ", true);
     row("another case", 0, 100, "btnSensorUnits", "KPA", true);
+    row("lower limit typed as NAN", 0, 100, "txtLowerRangeLimit", "NAN", false);
+    row("lower limit typed as 1e400", 0, 100, "txtLowerRangeLimit", "1e400", true);
+    row("emptied reads as 0, which the limit is", 0, 100, "txtLowerRangeLimit", "", false);
+    row("5,0 reads as 0, which the limit is", 0, 100, "txtLowerRangeLimit", "5,0", false);
+    row("blanks around the limit", 0, 100, "txtLowerRangeLimit", " 0 ", false);
+    row("blanks around another", 0, 100, "txtLowerRangeLimit", " 5 ", true);
 }
 
 void TableInformationAnswers::cancel()

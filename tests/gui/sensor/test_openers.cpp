@@ -62,7 +62,7 @@ class Openers : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void init() { g_first_select = 1; }
     void bad_range_at_binding_data() { bad_ranges(); }
     void bad_range_at_binding();
@@ -101,11 +101,6 @@ channel 10
 )");
 }
 
-void Openers::cleanupTestCase()
-{
-    m_it.reset();
-}
-
 bool Openers::mutex_is_free() const
 {
     QMutex *const mutex = m_it->window->table_mutex();
@@ -126,10 +121,7 @@ bool Openers::goes_on() const
 
 void Openers::bad_ranges()
 {
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::addColumn<QByteArray>("units");
-    QTest::addColumn<QString>("text");
+    test_columns<double, double, QByteArray, QString>("min", "max", "units", "text");
     const auto row = [](const char *name, double min, double max, const char *units,
                         const char *text) {
         QTest::newRow(name) << min << max << QByteArray(units)
@@ -180,8 +172,10 @@ void Openers::bad_range_at_a_capture()
     BoxAnswerer answerer;
     answerer.expect(UPDATE, text);
     answerer.expect_dialog(DIALOG, refuse);
+    m_it->form->lblSerialNumber->setText(QStringLiteral("as it was"));
     m_it->button(1)->click();
     QCOMPARE(answerer.remaining(), 0);
+    QCOMPARE(m_it->form->lblSerialNumber->text(), QStringLiteral("as it was"));
     QCOMPARE(m_it->window->row(1)->caption(), QStringLiteral("Capture"));
     QVERIFY(std::memcmp(before.get(), &g_cfg->long_current, sizeof *before) == 0);
     QCOMPARE(m_it->form->cboCurrentChannel->currentIndex(), m_it->item_of(0));
@@ -355,11 +349,10 @@ void Openers::mutex_while_the_dialog_is_open()
 
 void Openers::refused_over_and_over_data()
 {
-    QTest::addColumn<int>("first_select");
-    QTest::addColumn<int>("refusals");
-    QTest::newRow("first_select 1: quiet, at the first refusal") << 1 << 1;
-    QTest::newRow("first_select 0: message and dialog, refused once") << 0 << 1;
-    QTest::newRow("first_select 0: message and dialog, refused three times") << 0 << 3;
+    const auto row = test_columns<int, int>("first_select", "refusals");
+    row("first_select 1: quiet, at the first refusal", 1, 1);
+    row("first_select 0: message and dialog, refused once", 0, 1);
+    row("first_select 0: message and dialog, refused three times", 0, 3);
 }
 
 // With the flag at 0 a refusal is answered by the message and the dialog, until

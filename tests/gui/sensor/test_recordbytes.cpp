@@ -46,11 +46,7 @@ void pick_pressure(QDialog *dialog, const QByteArray &keyword)
 
 void widgets_and_bytes()
 {
-    QTest::addColumn<QString>("widget");
-    QTest::addColumn<QByteArray>("bytes");
-    const auto row = [](const char *name, const char *widget, const QByteArray &bytes) {
-        QTest::newRow(name) << QString(widget) << bytes;
-    };
+    const auto row = test_columns<QString, QByteArray>("widget", "bytes");
     row("description", "txtDescription",
         "Oil temp \xb0"
         "C");
@@ -69,9 +65,9 @@ class RecordBytes : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
-    void init();
-    void cleanup();
+    void cleanupTestCase() { hostsim::withdraw_unit_catalogue(); }
+    void init() { m_boxes = std::make_unique<SessionBoxes>(); }
+    void cleanup() { m_boxes.reset(); }
     void ok_leaves_what_was_not_edited_data() { widgets_and_bytes(); }
     void ok_leaves_what_was_not_edited();
     void cancel_has_nothing_to_warn_of_data() { widgets_and_bytes(); }
@@ -84,7 +80,7 @@ private slots:
     void units_dialog_opens_on_the_keyword();
 
 private:
-    std::unique_ptr<BoxAnswerer> m_boxes;
+    std::unique_ptr<SessionBoxes> m_boxes;
 };
 
 void RecordBytes::initTestCase()
@@ -95,24 +91,6 @@ void RecordBytes::initTestCase()
     QVERIFY(hostsim::publish_unit_catalogue(units));
     QCOMPARE(units_init_access(1) & 0xffff, 0);
     fresh_session();
-}
-
-void RecordBytes::cleanupTestCase()
-{
-    hostsim::withdraw_unit_catalogue();
-}
-
-void RecordBytes::init()
-{
-    fresh_session();
-    m_boxes = std::make_unique<BoxAnswerer>();
-}
-
-void RecordBytes::cleanup()
-{
-    m_boxes.reset();
-    fresh_session();
-    mua_instance_index = 0;
 }
 
 void RecordBytes::ok_leaves_what_was_not_edited()

@@ -46,9 +46,9 @@ class SensorUnits : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_cell.reset(); }
     void init();
-    void cleanup();
+    void cleanup() { m_boxes.reset(); }
     void without_the_hosts_unit_memory();
     void cell_starts();
     void opens_for_the_sensor_on_its_units();
@@ -67,7 +67,7 @@ private:
     void choose(const QDialog &dialog, const QString &keyword);
 
     std::unique_ptr<TestCell> m_cell;
-    std::unique_ptr<BoxAnswerer> m_boxes;
+    std::unique_ptr<SessionBoxes> m_boxes;
 };
 
 void SensorUnits::initTestCase()
@@ -77,26 +77,13 @@ void SensorUnits::initTestCase()
     QCOMPARE(units_init_access(1) & 0xffff, 0);
 }
 
-void SensorUnits::cleanupTestCase()
-{
-    m_cell.reset();
-}
-
 void SensorUnits::init()
 {
-    fresh_session();
+    m_boxes = std::make_unique<SessionBoxes>();
     g_cfg->table.y_min = 5.0;
     g_cfg->table.y_max = 95.0;
     units_for_table = 7;
     units_for_sensor = 7;
-    m_boxes = std::make_unique<BoxAnswerer>();
-}
-
-void SensorUnits::cleanup()
-{
-    m_boxes.reset();
-    fresh_session();
-    mua_instance_index = 0;
 }
 
 void SensorUnits::choose(const QDialog &dialog, const QString &keyword)
@@ -150,22 +137,13 @@ void SensorUnits::opens_for_the_sensor_on_its_units()
 
 void SensorUnits::limits_follow_the_units_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::addColumn<QString>("to");
-    QTest::addColumn<QString>("lower");
-    QTest::addColumn<QString>("upper");
-    QTest::newRow("pressure") << QByteArray("kPa") << 0.0 << 100.0 << "PSI"
-                              << "    0.00"
-                              << "   14.50";
-    QTest::newRow("temperature, with its zero point")
-        << QByteArray("DEG_C") << -40.0 << 100.0 << "DEG_F"
-        << "  -40.00"
-        << "  212.00";
-    QTest::newRow("a limit that is no number") << QByteArray("kPa") << qQNaN() << 100.0 << "PSI"
-                                               << "     nan"
-                                               << "   14.50";
+    const auto row = test_columns<QByteArray, double, double, QString, QString, QString>(
+        "from", "min", "max", "to", "lower", "upper");
+    row("pressure", QByteArray("kPa"), 0.0, 100.0, "PSI", "    0.00", "   14.50");
+    row("temperature, with its zero point", QByteArray("DEG_C"), -40.0, 100.0, "DEG_F", "  -40.00",
+        "  212.00");
+    row("a limit that is no number", QByteArray("kPa"), qQNaN(), 100.0, "PSI", "     nan",
+        "   14.50");
 }
 
 void SensorUnits::limits_follow_the_units()

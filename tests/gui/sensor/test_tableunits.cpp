@@ -121,8 +121,8 @@ class TableUnitsSlot : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void cleanup();
     void without_a_channel();
     void cancelled();
@@ -144,16 +144,6 @@ private:
 
     std::unique_ptr<TestWindow> m_it;
 };
-
-void TableUnitsSlot::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void TableUnitsSlot::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void TableUnitsSlot::cleanup()
 {
@@ -246,14 +236,12 @@ void TableUnitsSlot::three_points_and_what_stands_behind_them()
 
 void TableUnitsSlot::limits_follow_the_new_units_data()
 {
-    QTest::addColumn<int>("channel");
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<double>("span");
-    QTest::newRow("PSI") << 1 << "PSI" << 100.0 / KPA_PER_PSI;
-    QTest::newRow("Pa") << 1 << "Pa" << 100000.0;
-    QTest::newRow("the same") << 1 << "kPa" << 100.0;
+    const auto row = test_columns<int, QString, double>("channel", "unit", "span");
+    row("PSI", 1, "PSI", 100.0 / KPA_PER_PSI);
+    row("Pa", 1, "Pa", 100000.0);
+    row("the same", 1, "kPa", 100.0);
     // The span of 300 is converted as a reading of 300 is, zero point and all.
-    QTest::newRow("temperature") << 9 << "DEG_F" << 572.0;
+    row("temperature", 9, "DEG_F", 572.0);
 }
 
 void TableUnitsSlot::limits_follow_the_new_units()

@@ -63,7 +63,7 @@ class UnitsDialog : public QObject
 private slots:
     void initTestCase();
     void init();
-    void cleanup();
+    void cleanup() { m_memory.reset(); }
     void form();
     void opens_at_the_present_unit_data();
     void opens_at_the_present_unit();
@@ -110,11 +110,6 @@ void UnitsDialog::init()
     m_memory->put_in_place();
 }
 
-void UnitsDialog::cleanup()
-{
-    m_memory.reset();
-}
-
 void UnitsDialog::form()
 {
     TableValueUnitsDialog dialog(nullptr);
@@ -130,16 +125,12 @@ void UnitsDialog::form()
 
 void UnitsDialog::opens_at_the_present_unit_data()
 {
-    QTest::addColumn<bool>("for_table");
-    QTest::addColumn<QByteArray>("table_units");
-    QTest::addColumn<QByteArray>("sensor_units");
-    QTest::addColumn<int>("category");
-    QTest::addColumn<int>("row");
-    QTest::newRow("table") << true << QByteArray("kPa") << QByteArray("SEC") << 1 << 1;
-    QTest::newRow("sensor") << false << QByteArray("kPa") << QByteArray("SEC") << 2 << 0;
-    QTest::newRow("table, first list")
-        << true << QByteArray("DEG_C") << QByteArray("SEC") << 0 << 1;
-    QTest::newRow("sensor, last list") << false << QByteArray("kPa") << QByteArray("PCT") << 3 << 1;
+    const auto row = test_columns<bool, QByteArray, QByteArray, int, int>(
+        "for_table", "table_units", "sensor_units", "category", "row");
+    row("table", true, QByteArray("kPa"), QByteArray("SEC"), 1, 1);
+    row("sensor", false, QByteArray("kPa"), QByteArray("SEC"), 2, 0);
+    row("table, first list", true, QByteArray("DEG_C"), QByteArray("SEC"), 0, 1);
+    row("sensor, last list", false, QByteArray("kPa"), QByteArray("PCT"), 3, 1);
 }
 
 void UnitsDialog::opens_at_the_present_unit()
@@ -267,13 +258,11 @@ void UnitsDialog::beginning_of_a_keyword_becomes_the_keyword()
 
 void UnitsDialog::ok_data()
 {
-    QTest::addColumn<bool>("for_table");
-    QTest::addColumn<bool>("picked");
-    QTest::addColumn<QByteArray>("table_units");
-    QTest::newRow("table") << true << true << QByteArray("IN_HG");
-    QTest::newRow("table, nothing picked") << true << false << QByteArray("");
-    QTest::newRow("sensor") << false << true << QByteArray("kPa");
-    QTest::newRow("sensor, nothing picked") << false << false << QByteArray("kPa");
+    const auto row = test_columns<bool, bool, QByteArray>("for_table", "picked", "table_units");
+    row("table", true, true, QByteArray("IN_HG"));
+    row("table, nothing picked", true, false, QByteArray(""));
+    row("sensor", false, true, QByteArray("kPa"));
+    row("sensor, nothing picked", false, false, QByteArray("kPa"));
 }
 
 void UnitsDialog::ok()

@@ -235,10 +235,9 @@ void CalibrationStatistics::sixty_four_points()
 
 void CalibrationStatistics::odd_counts_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("rows");
-    QTest::newRow("more than a table holds") << 65 << 64;
-    QTest::newRow("a negative count") << -1 << 0;
+    const auto row = test_columns<int, int>("count", "rows");
+    row("more than a table holds", 65, 64);
+    row("a negative count", -1, 0);
 }
 
 void CalibrationStatistics::odd_counts()
@@ -328,14 +327,12 @@ void CalibrationStatistics::every_row_in_view_is_shown_wherever_it_is_scrolled()
 
 void CalibrationStatistics::wide_values_are_never_shown_wrong_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("smaller");
-    QTest::addColumn<bool>("cut");
-    QTest::newRow("ordinary") << -1234567.0 << false << false;
-    QTest::newRow("19 characters") << 1e15 << true << false;
-    QTest::newRow("the same below zero") << -1e15 << true << false;
-    QTest::newRow("64 characters") << 1e60 << true << true;
-    QTest::newRow("longest") << -1.7e308 << true << true;
+    const auto row = test_columns<double, bool, bool>("value", "smaller", "cut");
+    row("ordinary", -1234567.0, false, false);
+    row("19 characters", 1e15, true, false);
+    row("the same below zero", -1e15, true, false);
+    row("64 characters", 1e60, true, true);
+    row("longest", -1.7e308, true, true);
 }
 
 void CalibrationStatistics::wide_values_are_never_shown_wrong()

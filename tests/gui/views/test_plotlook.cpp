@@ -24,8 +24,8 @@ class PlotLook : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void curves_data();
     void curves();
     void symbols_data();
@@ -52,16 +52,6 @@ private:
     std::unique_ptr<TestWindow> m_it;
 };
 
-void PlotLook::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void PlotLook::cleanupTestCase()
-{
-    m_it.reset();
-}
-
 QStringList PlotLook::legend_titles() const
 {
     QApplication::sendPostedEvents();
@@ -76,17 +66,13 @@ QStringList PlotLook::legend_titles() const
 
 void PlotLook::curves_data()
 {
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QColor>("colour");
-    QTest::addColumn<int>("line");
-    QTest::newRow("captured: red, solid") << "Captured" << QColor(Qt::red) << int(Qt::SolidLine);
-    QTest::newRow("previous: blue, dash") << "Previous" << QColor(Qt::blue) << int(Qt::DashLine);
-    QTest::newRow("best fit: green, dash-dot-dot")
-        << "BestFit" << QColor(Qt::green) << int(Qt::DashDotDotLine);
-    QTest::newRow("current point: black, no line")
-        << "Current Point" << QColor(Qt::black) << int(Qt::NoPen);
-    QTest::newRow("polynomial: dark grey, dash-dot")
-        << "Polynomial" << QColor(Qt::darkGray) << int(Qt::DashDotLine);
+    const auto row = test_columns<QString, QColor, int>("title", "colour", "line");
+    row("captured: red, solid", "Captured", QColor(Qt::red), int(Qt::SolidLine));
+    row("previous: blue, dash", "Previous", QColor(Qt::blue), int(Qt::DashLine));
+    row("best fit: green, dash-dot-dot", "BestFit", QColor(Qt::green), int(Qt::DashDotDotLine));
+    row("current point: black, no line", "Current Point", QColor(Qt::black), int(Qt::NoPen));
+    row("polynomial: dark grey, dash-dot", "Polynomial", QColor(Qt::darkGray),
+        int(Qt::DashDotLine));
     QCOMPARE(int(CURVE_COUNT), 5);
 }
 
@@ -94,16 +80,14 @@ void PlotLook::curves_data()
 void PlotLook::curves()
 {
     QFETCH(QString, title);
-    QFETCH(QColor, colour);
-    QFETCH(int, line);
     const QwtPlotCurve *found = nullptr;
     for (int i = 0; i < CURVE_COUNT; ++i) {
         if (m_it->window->curve(i)->title().text() == title)
             found = m_it->window->curve(i);
     }
     QVERIFY(found != nullptr);
-    QCOMPARE(found->pen().color(), colour);
-    QCOMPARE(int(found->pen().style()), line);
+    QTEST(found->pen().color(), "colour");
+    QTEST(int(found->pen().style()), "line");
     QVERIFY(found->testRenderHint(QwtPlotItem::RenderAntialiased));
     QVERIFY(found->testLegendAttribute(QwtPlotCurve::LegendShowSymbol));
     QCOMPARE(found->plot(), plot());
@@ -111,25 +95,22 @@ void PlotLook::curves()
 
 void PlotLook::symbols_data()
 {
-    QTest::addColumn<int>("curve");
-    QTest::addColumn<int>("shape");
-    QTest::addColumn<int>("size");
-    QTest::newRow("Captured") << int(CURVE_CAPTURED) << int(QwtSymbol::Ellipse) << 10;
-    QTest::newRow("Previous") << int(CURVE_PREVIOUS) << int(QwtSymbol::Diamond) << 10;
-    QTest::newRow("BestFit") << int(CURVE_BEST_FIT) << int(QwtSymbol::Diamond) << 10;
-    QTest::newRow("Current Point") << int(CURVE_CURRENT_POINT) << int(QwtSymbol::Diamond) << 10;
-    QTest::newRow("Polynomial") << int(CURVE_POLYNOMIAL) << int(QwtSymbol::Cross) << 6;
+    const auto row = test_columns<int, int, int>("curve", "shape", "size");
+    row("Captured", int(CURVE_CAPTURED), int(QwtSymbol::Ellipse), 10);
+    row("Previous", int(CURVE_PREVIOUS), int(QwtSymbol::Diamond), 10);
+    row("BestFit", int(CURVE_BEST_FIT), int(QwtSymbol::Diamond), 10);
+    row("Current Point", int(CURVE_CURRENT_POINT), int(QwtSymbol::Diamond), 10);
+    row("Polynomial", int(CURVE_POLYNOMIAL), int(QwtSymbol::Cross), 6);
 }
 
 void PlotLook::symbols()
 {
     QFETCH(int, curve);
-    QFETCH(int, shape);
     QFETCH(int, size);
     const QwtPlotCurve *found = m_it->window->curve(curve);
     const QwtSymbol *symbol = found->symbol();
     QVERIFY(symbol != nullptr);
-    QCOMPARE(int(symbol->style()), shape);
+    QTEST(int(symbol->style()), "shape");
     QCOMPARE(symbol->size(), QSize(size, size));
     QCOMPARE(symbol->brush().color(), found->pen().color());
     QCOMPARE(symbol->brush().style(), Qt::SolidPattern);
@@ -252,16 +233,14 @@ void PlotLook::title_is_in_its_own_type_where_that_fits()
 
 void PlotLook::samples_that_are_no_numbers_leave_the_axes_alone_data()
 {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<bool>("in_x");
-    QTest::addColumn<double>("value");
+    const auto row = test_columns<int, bool, double>("index", "in_x", "value");
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
-    QTest::newRow("first y") << 0 << false << nan;
-    QTest::newRow("y in the midst") << 2 << false << nan;
-    QTest::newRow("first x") << 0 << true << nan;
-    QTest::newRow("infinite y") << 3 << false << inf;
-    QTest::newRow("infinite x below") << 1 << true << -inf;
+    row("first y", 0, false, nan);
+    row("y in the midst", 2, false, nan);
+    row("first x", 0, true, nan);
+    row("infinite y", 3, false, inf);
+    row("infinite x below", 1, true, -inf);
 }
 
 void PlotLook::samples_that_are_no_numbers_leave_the_axes_alone()

@@ -26,8 +26,8 @@ class PlotPoly : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
     void cleanup();
     void stored_coefficients_survive_the_binding();
     void redraw_fits_the_stored_coefficients_anew();
@@ -45,16 +45,6 @@ private:
     std::unique_ptr<TestWindow> m_it;
     bool m_held = false;
 };
-
-void PlotPoly::initTestCase()
-{
-    m_it = std::make_unique<TestWindow>();
-}
-
-void PlotPoly::cleanupTestCase()
-{
-    m_it.reset();
-}
 
 void PlotPoly::cleanup()
 {
@@ -180,8 +170,7 @@ void PlotPoly::drawn_from_the_first_x_to_the_last_as_they_stand()
 
 void PlotPoly::bytes_that_count_as_a_change_data()
 {
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<bool>("counts");
+    test_columns<int, bool>("offset", "counts");
     const auto row = [](const char *name, size_t offset, bool counts) {
         QTest::newRow(name) << static_cast<int>(offset) << counts;
     };

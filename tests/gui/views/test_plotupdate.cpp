@@ -22,9 +22,9 @@ class PlotUpdate : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_it.reset(); }
     void init();
-    void cleanup();
+    void cleanup() { m_it->window->table_mutex()->unlock(); }
 
     void title_text_data();
     void title_text();
@@ -61,11 +61,6 @@ void PlotUpdate::initTestCase()
     QVERIFY(QTest::qWaitForWindowExposed(m_it->window));
 }
 
-void PlotUpdate::cleanupTestCase()
-{
-    m_it.reset();
-}
-
 void PlotUpdate::init()
 {
     m_it->bind_afresh(0);
@@ -75,11 +70,6 @@ void PlotUpdate::init()
     settle();
     m_it->window->table_mutex()->lock();
     QApplication::processEvents(); // the ticks that were on their way
-}
-
-void PlotUpdate::cleanup()
-{
-    m_it->window->table_mutex()->unlock();
 }
 
 // Works off what a movement has asked for.
@@ -99,15 +89,12 @@ void PlotUpdate::show_reading(double mv, double eu)
 
 void PlotUpdate::title_text_data()
 {
-    QTest::addColumn<double>("mv");
-    QTest::addColumn<double>("eu");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("small values are padded") << 1.5 << 0.03 << "Current Point:   1.5000 /  0.0300";
-    QTest::newRow("negative") << -12.34567 << -0.5 << "Current Point: -12.3457 / -0.5000";
-    QTest::newRow("wide values are not cut")
-        << 1234567.125 << 99999.5 << "Current Point: 1234567.1250 /99999.5000";
-    QTest::newRow("at most 79 characters")
-        << 1e50 << 1e50 << QString::asprintf("Current Point: %8.4f /%8.4f", 1e50, 1e50).left(79);
+    const auto row = test_columns<double, double, QString>("mv", "eu", "text");
+    row("small values are padded", 1.5, 0.03, "Current Point:   1.5000 /  0.0300");
+    row("negative", -12.34567, -0.5, "Current Point: -12.3457 / -0.5000");
+    row("wide values are not cut", 1234567.125, 99999.5, "Current Point: 1234567.1250 /99999.5000");
+    row("at most 79 characters", 1e50, 1e50,
+        QString::asprintf("Current Point: %8.4f /%8.4f", 1e50, 1e50).left(79));
 }
 
 void PlotUpdate::title_text()

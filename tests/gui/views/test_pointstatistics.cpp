@@ -143,11 +143,10 @@ void PointStatistics::columns_hold_the_longest_value()
 
 void PointStatistics::odd_counts_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("rows");
-    QTest::newRow("64 points") << 64 << 64;
-    QTest::newRow("more than a table holds") << 65 << 64;
-    QTest::newRow("a negative count") << -1 << 0;
+    const auto row = test_columns<int, int>("count", "rows");
+    row("64 points", 64, 64);
+    row("more than a table holds", 65, 64);
+    row("a negative count", -1, 0);
 }
 
 void PointStatistics::odd_counts()

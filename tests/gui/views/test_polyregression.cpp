@@ -175,18 +175,14 @@ void PolyRegression::deviation_prints_with_its_sign()
 
 void PolyRegression::polynomial_of_the_range_in_work_whatever_the_type_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QString>("computed");
-    QTest::newRow("POLY_RANGE, first range") << int(TABLE_POLY_RANGE) << 0 << "0.100";
-    QTest::newRow("POLY_RANGE, third range") << int(TABLE_POLY_RANGE) << 2 << "12.500";
-    QTest::newRow("POLY with an index left behind") << int(TABLE_POLY) << 2 << "12.500";
-    QTest::newRow("INTERP with an index left behind") << int(TABLE_INTERP) << 2 << "12.500";
-    QTest::newRow("a range not in use computes zero") << int(TABLE_POLY_RANGE) << 3 << "0.000";
-    QTest::newRow("an index beyond the ranges is the last one")
-        << int(TABLE_POLY_RANGE) << 8 << "3.000";
-    QTest::newRow("an index below the ranges is the first one")
-        << int(TABLE_POLY_RANGE) << -1 << "0.100";
+    const auto row = test_columns<int, int, QString>("type", "index", "computed");
+    row("POLY_RANGE, first range", int(TABLE_POLY_RANGE), 0, "0.100");
+    row("POLY_RANGE, third range", int(TABLE_POLY_RANGE), 2, "12.500");
+    row("POLY with an index left behind", int(TABLE_POLY), 2, "12.500");
+    row("INTERP with an index left behind", int(TABLE_INTERP), 2, "12.500");
+    row("a range not in use computes zero", int(TABLE_POLY_RANGE), 3, "0.000");
+    row("an index beyond the ranges is the last one", int(TABLE_POLY_RANGE), 8, "3.000");
+    row("an index below the ranges is the first one", int(TABLE_POLY_RANGE), -1, "0.100");
 }
 
 void PolyRegression::polynomial_of_the_range_in_work_whatever_the_type()
@@ -231,13 +227,12 @@ void PolyRegression::more_points_than_coefficients_a_range_holds()
 
 void PolyRegression::groups_by_type_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<bool>("shown");
-    QTest::newRow("INTERP") << int(TABLE_INTERP) << false;
-    QTest::newRow("POLY") << int(TABLE_POLY) << true;
-    QTest::newRow("SCALED") << int(TABLE_SCALED) << false;
-    QTest::newRow("POLY_RANGE") << int(TABLE_POLY_RANGE) << false;
-    QTest::newRow("unknown") << int(TABLE_TYPE_UNKNOWN) << false;
+    const auto row = test_columns<int, bool>("type", "shown");
+    row("INTERP", int(TABLE_INTERP), false);
+    row("POLY", int(TABLE_POLY), true);
+    row("SCALED", int(TABLE_SCALED), false);
+    row("POLY_RANGE", int(TABLE_POLY_RANGE), false);
+    row("unknown", int(TABLE_TYPE_UNKNOWN), false);
 }
 
 void PolyRegression::groups_by_type()
@@ -267,15 +262,14 @@ void PolyRegression::three_coefficients()
 
 void PolyRegression::coefficients_shown_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("shown");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("one") << 1 << 1;
-    QTest::newRow("eight") << 8 << 8;
-    QTest::newRow("a degree beyond what is shown") << 9 << 8;
-    QTest::newRow("all that a range holds") << 18 << 8;
-    QTest::newRow("as many as points") << 64 << 8;
-    QTest::newRow("a negative count") << -1 << 0;
+    const auto row = test_columns<int, int>("count", "shown");
+    row("none", 0, 0);
+    row("one", 1, 1);
+    row("eight", 8, 8);
+    row("a degree beyond what is shown", 9, 8);
+    row("all that a range holds", 18, 8);
+    row("as many as points", 64, 8);
+    row("a negative count", -1, 0);
 }
 
 void PolyRegression::coefficients_shown()
@@ -405,10 +399,9 @@ void PolyRegression::sixty_four_points()
 
 void PolyRegression::odd_counts_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("rows");
-    QTest::newRow("more than a table holds") << 65 << 64;
-    QTest::newRow("a negative count") << -1 << 0;
+    const auto row = test_columns<int, int>("count", "rows");
+    row("more than a table holds", 65, 64);
+    row("a negative count", -1, 0);
 }
 
 void PolyRegression::odd_counts()

@@ -13,34 +13,6 @@
 #include "views/polyregressiondialog.h"
 #include "views/statinfo.h"
 
-class StatisticsMenu : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
-    void cleanupTestCase() { m_it.reset(); }
-    void entries_open_their_views_data();
-    void entries_open_their_views();
-    void calibration_statistics_of_captured_points();
-    void point_statistics_of_captured_points();
-    void polynomial_regression_of_captured_points();
-    void nothing_changes_data();
-    void nothing_changes();
-    void views_take_no_lock_data();
-    void views_take_no_lock();
-    void opened_before_any_channel_is_bound();
-
-private:
-    // Binds the channel and captures all its points at the millivolts given,
-    // each with the value given.
-    void capture_all(int channel, const QVector<QPointF> &points);
-    // Opens the view by its slot and hands it over; Ok closes it.
-    void open(const char *slot, const QString &title, const BoxAnswerer::Visit &look);
-
-    std::unique_ptr<TestWindow> m_it;
-};
-
 namespace
 {
 
@@ -67,6 +39,34 @@ void view_rows()
 
 } // namespace
 
+class StatisticsMenu : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { m_it = std::make_unique<TestWindow>(); }
+    void cleanupTestCase() { m_it.reset(); }
+    void entries_open_their_views_data();
+    void entries_open_their_views();
+    void calibration_statistics_of_captured_points();
+    void point_statistics_of_captured_points();
+    void polynomial_regression_of_captured_points();
+    void nothing_changes_data() { view_rows(); }
+    void nothing_changes();
+    void views_take_no_lock_data() { view_rows(); }
+    void views_take_no_lock();
+    void opened_before_any_channel_is_bound();
+
+private:
+    // Binds the channel and captures all its points at the millivolts given,
+    // each with the value given.
+    void capture_all(int channel, const QVector<QPointF> &points);
+    // Opens the view by its slot and hands it over; Ok closes it.
+    void open(const char *slot, const QString &title, const BoxAnswerer::Visit &look);
+
+    std::unique_ptr<TestWindow> m_it;
+};
+
 void StatisticsMenu::capture_all(int channel, const QVector<QPointF> &points)
 {
     m_it->bind_afresh(channel);
@@ -90,11 +90,10 @@ void StatisticsMenu::open(const char *slot, const QString &title, const BoxAnswe
 
 void StatisticsMenu::entries_open_their_views_data()
 {
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<int>("number");
-    QTest::newRow("Statistics Chart ...") << "actionStatistics_Chart" << 0;
-    QTest::newRow("Point Statistics") << "actionPoint_Statistics" << 1;
-    QTest::newRow("Polynomial Regression Info") << "actionCal_Statistics_Chart" << 2;
+    const auto row = test_columns<QString, int>("action", "number");
+    row("Statistics Chart ...", "actionStatistics_Chart", 0);
+    row("Point Statistics", "actionPoint_Statistics", 1);
+    row("Polynomial Regression Info", "actionCal_Statistics_Chart", 2);
 }
 
 void StatisticsMenu::entries_open_their_views()
@@ -172,11 +171,6 @@ void StatisticsMenu::polynomial_regression_of_captured_points()
     QVERIFY(qAbs(estimates[1].toDouble() / estimates[0].toDouble() - std::sqrt(2.)) < 1e-4);
 }
 
-void StatisticsMenu::nothing_changes_data()
-{
-    view_rows();
-}
-
 void StatisticsMenu::nothing_changes()
 {
     QFETCH(int, number);
@@ -189,11 +183,6 @@ void StatisticsMenu::nothing_changes()
     m_it->window->table_mutex()->unlock();
     QVERIFY(same);
     QCOMPARE(g_captured_points, 3);
-}
-
-void StatisticsMenu::views_take_no_lock_data()
-{
-    view_rows();
 }
 
 void StatisticsMenu::views_take_no_lock()

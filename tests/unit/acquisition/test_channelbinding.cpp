@@ -104,13 +104,11 @@ void ChannelBinding::init()
 
 void ChannelBinding::refused_channel_data()
 {
-    QTest::addColumn<int>("channel");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("the number of channels itself is out of range")
-        << 4 << "Channel '4' is Out of Range";
-    QTest::newRow("far beyond") << 32767 << "Channel '32767' is Out of Range";
-    QTest::newRow("negative") << -1 << "Channel '-1' is Out of Range";
-    QTest::newRow("active zero") << 2 << "Channel '2' is not Active";
+    const auto row = test_columns<int, QString>("channel", "message");
+    row("the number of channels itself is out of range", 4, "Channel '4' is Out of Range");
+    row("far beyond", 32767, "Channel '32767' is Out of Range");
+    row("negative", -1, "Channel '-1' is Out of Range");
+    row("active zero", 2, "Channel '2' is not Active");
 }
 
 // But for the captured points nothing of the session is touched.
@@ -341,10 +339,9 @@ void ChannelBinding::items_of_the_channel_list()
 
 void ChannelBinding::item_prefix_data()
 {
-    QTest::addColumn<int>("channel");
-    QTest::addColumn<QString>("prefix");
-    QTest::newRow("one digit") << 7 << "    7  -  ";
-    QTest::newRow("five digits") << 32766 << "32766  -  ";
+    const auto row = test_columns<int, QString>("channel", "prefix");
+    row("one digit", 7, "    7  -  ");
+    row("five digits", 32766, "32766  -  ");
 }
 
 void ChannelBinding::item_prefix()
@@ -355,16 +352,17 @@ void ChannelBinding::item_prefix()
 
 void ChannelBinding::channel_of_an_item_data()
 {
-    QTest::addColumn<QString>("item");
-    QTest::addColumn<int>("channel"); // -7: none
-    QTest::newRow("one digit") << "    7  -  Label 8" << 7;
-    QTest::newRow("five digits") << "32766  -  Label" << 32766;
-    QTest::newRow("without a label") << "    0  -  " << 0;
-    QTest::newRow("the list's first line") << "Select A Channel" << -7;
-    QTest::newRow("empty") << "" << -7;
-    QTest::newRow("blanks") << "   " << -7;
-    QTest::newRow("past a short integer") << "32768  -  Label" << -7;
-    QTest::newRow("number and more in one part") << "7a  -  Label" << -7;
+    // channel: -7: none
+    const auto row = test_columns<QString, int>("item", "channel");
+    row("one digit", "    7  -  Label 8", 7);
+    row("five digits", "32766  -  Label", 32766);
+    row("without a label", "    0  -  ", 0);
+    row("a label that is a number", "    3  -  4711", 3);
+    row("the list's first line", "Select A Channel", -7);
+    row("empty", "", -7);
+    row("blanks", "   ", -7);
+    row("past a short integer", "32768  -  Label", -7);
+    row("number and more in one part", "7a  -  Label", -7);
 }
 
 void ChannelBinding::channel_of_an_item()

@@ -56,15 +56,14 @@ private slots:
 
 void ConvertReading::by_table_type_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<double>("value");
-    QTest::newRow("0 INTERP reads the long table") << 0 << 20.0;
-    QTest::newRow("1 POLY evaluates range 0, whatever the index") << 1 << 101.0;
-    QTest::newRow("7 POLY_RANGE evaluates the range of its index") << 7 << -26.0;
-    QTest::newRow("3 is not known") << 3 << 0.0;
-    QTest::newRow("6 is not known") << 6 << 0.0;
-    QTest::newRow("8 is not known") << 8 << 0.0;
-    QTest::newRow("65535 is not known") << 65535 << 0.0;
+    const auto row = test_columns<int, double>("type", "value");
+    row("0 INTERP reads the long table", 0, 20.0);
+    row("1 POLY evaluates range 0, whatever the index", 1, 101.0);
+    row("7 POLY_RANGE evaluates the range of its index", 7, -26.0);
+    row("3 is not known", 3, 0.0);
+    row("6 is not known", 6, 0.0);
+    row("8 is not known", 8, 0.0);
+    row("65535 is not known", 65535, 0.0);
 }
 
 void ConvertReading::by_table_type()
@@ -99,15 +98,15 @@ void ConvertReading::polynomial_by_horners_rule()
 
 void ConvertReading::number_of_coefficients_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<double>("value"); // all 18 coefficients are 1, at 1 mV
-    QTest::newRow("none gives 0.0") << 0 << 0.0;
-    QTest::newRow("one is a constant") << 1 << 1.0;
-    QTest::newRow("all that a range holds") << 18 << 18.0;
-    QTest::newRow("one more than a range holds: the first x value") << 19 << 1000018.0;
-    QTest::newRow("as many as points: 46 x values") << 64 << 3000018.0;
-    QTest::newRow("far more") << 32767 << 3000018.0;
-    QTest::newRow("negative gives 0.0") << -1 << 0.0;
+    // value: all 18 coefficients are 1, at 1 mV
+    const auto row = test_columns<int, double>("count", "value");
+    row("none gives 0.0", 0, 0.0);
+    row("one is a constant", 1, 1.0);
+    row("all that a range holds", 18, 18.0);
+    row("one more than a range holds: the first x value", 19, 1000018.0);
+    row("as many as points: 46 x values", 64, 3000018.0);
+    row("far more", 32767, 3000018.0);
+    row("negative gives 0.0", -1, 0.0);
 }
 
 void ConvertReading::number_of_coefficients()
@@ -127,11 +126,10 @@ void ConvertReading::number_of_coefficients()
 
 void ConvertReading::range_index_never_leads_outside_data()
 {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<double>("value");
-    QTest::newRow("last range") << 7 << 70.0;
-    QTest::newRow("just past the last") << 8 << 70.0;
-    QTest::newRow("negative") << -1 << 1.0;
+    const auto row = test_columns<int, double>("index", "value");
+    row("last range", 7, 70.0);
+    row("just past the last", 8, 70.0);
+    row("negative", -1, 1.0);
 }
 
 void ConvertReading::range_index_never_leads_outside()

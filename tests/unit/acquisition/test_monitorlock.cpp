@@ -202,11 +202,10 @@ void MonitorLock::allocation_counter_counts()
 
 void MonitorLock::normal_pass_allocates_nothing_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("samples");
-    QTest::newRow("INTERP, longest window") << 0 << 300;
-    QTest::newRow("POLY, shortest window") << 1 << 50;
-    QTest::newRow("POLY_RANGE") << 7 << 100;
+    const auto row = test_columns<int, int>("type", "samples");
+    row("INTERP, longest window", 0, 300);
+    row("POLY, shortest window", 1, 50);
+    row("POLY_RANGE", 7, 100);
 }
 
 void MonitorLock::normal_pass_allocates_nothing()

@@ -142,11 +142,10 @@ void SamplePass::monitor_at_birth()
 
 void SamplePass::averaging_time_is_the_length_of_the_window_data()
 {
-    QTest::addColumn<int>("seconds");
-    QTest::addColumn<int>("samples");
-    QTest::newRow("5 seconds are 50 samples") << 5 << 50;
-    QTest::newRow("10 seconds are 100 samples") << 10 << 100;
-    QTest::newRow("30 seconds are 300 samples") << 30 << 300;
+    const auto row = test_columns<int, int>("seconds", "samples");
+    row("5 seconds are 50 samples", 5, 50);
+    row("10 seconds are 100 samples", 10, 100);
+    row("30 seconds are 300 samples", 30, 300);
 }
 
 // An old reading counts for as many passes as the window is long, and no more.
@@ -231,12 +230,11 @@ void SamplePass::window_is_made_anew_and_both_records_cleared()
 
 void SamplePass::results_by_the_tables_type_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<double>("eu_mean");
-    QTest::newRow("INTERP: the mean is interpolated too") << 0 << 30.0;
-    QTest::newRow("POLY: the mean goes through the polynomial") << 1 << 226.0;
-    QTest::newRow("POLY_RANGE: through the range in work") << 7 << -41.0;
-    QTest::newRow("unknown type: the mean is 0") << 5 << 0.0;
+    const auto row = test_columns<int, double>("type", "eu_mean");
+    row("INTERP: the mean is interpolated too", 0, 30.0);
+    row("POLY: the mean goes through the polynomial", 1, 226.0);
+    row("POLY_RANGE: through the range in work", 7, -41.0);
+    row("unknown type: the mean is 0", 5, 0.0);
 }
 
 // Two samples, 10 and 20 mV; the long table is y = 2x. Minimum and maximum are

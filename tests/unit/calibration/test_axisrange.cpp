@@ -79,27 +79,25 @@ void AxisRange::reset_state()
 
 void AxisRange::rescaled_data()
 {
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::addColumn<double>("round_min");
-    QTest::addColumn<double>("round_max");
-    QTest::newRow("100 and 600: above five times, so from zero") << 100. << 600. << 0. << 800.;
-    QTest::newRow("100 and 500: five times itself is not above") << 100. << 500. << 100. << 900.;
-    QTest::newRow("-600 and -100: up to zero") << -600. << -100. << -800. << 0.;
-    QTest::newRow("-500 and -100 keep their ends") << -500. << -100. << -600. << 200.;
-    QTest::newRow("-100 and 600: zero lies between") << -100. << 600. << -200. << 600.;
-    QTest::newRow("5 and 5: treated as 4 to 6") << 5. << 5. << 3.9 << 6.3;
-    QTest::newRow("-7 and -7: treated as -8 to -6") << -7. << -7. << -8.1 << -5.7;
-    QTest::newRow("0 and 0: treated as -1 to 1") << 0. << 0. << -1.2 << 1.2;
-    QTest::newRow("nearly equal ends are parted too") << 5. << 5.0000005 << 3.9 << 6.3;
-    QTest::newRow("0.5 and 0.5: parted first, no longer on one side") << 0.5 << 0.5 << -0.6 << 1.8;
-    QTest::newRow("-1 and 1") << -1. << 1. << -1.2 << 1.2;
-    QTest::newRow("0 and 10") << 0. << 10. << 0. << 16.;
-    QTest::newRow("-10 and 0") << -10. << 0. << -16. << 0.;
-    QTest::newRow("0 and 0.001: exponents below zero") << 0. << 0.001 << 0. << 0.0016;
-    QTest::newRow("0 and 1e7: exponents above zero") << 0. << 1e7 << 0. << 1.6e7;
-    QTest::newRow("-3 and 20: the lower end goes down a half step") << -3. << 20. << -4. << 28.;
-    QTest::newRow("20 and 30: the lower end stays on a half step") << 20. << 30. << 20. << 36.;
+    const auto row =
+        test_columns<double, double, double, double>("min", "max", "round_min", "round_max");
+    row("100 and 600: above five times, so from zero", 100., 600., 0., 800.);
+    row("100 and 500: five times itself is not above", 100., 500., 100., 900.);
+    row("-600 and -100: up to zero", -600., -100., -800., 0.);
+    row("-500 and -100 keep their ends", -500., -100., -600., 200.);
+    row("-100 and 600: zero lies between", -100., 600., -200., 600.);
+    row("5 and 5: treated as 4 to 6", 5., 5., 3.9, 6.3);
+    row("-7 and -7: treated as -8 to -6", -7., -7., -8.1, -5.7);
+    row("0 and 0: treated as -1 to 1", 0., 0., -1.2, 1.2);
+    row("nearly equal ends are parted too", 5., 5.0000005, 3.9, 6.3);
+    row("0.5 and 0.5: parted first, no longer on one side", 0.5, 0.5, -0.6, 1.8);
+    row("-1 and 1", -1., 1., -1.2, 1.2);
+    row("0 and 10", 0., 10., 0., 16.);
+    row("-10 and 0", -10., 0., -16., 0.);
+    row("0 and 0.001: exponents below zero", 0., 0.001, 0., 0.0016);
+    row("0 and 1e7: exponents above zero", 0., 1e7, 0., 1.6e7);
+    row("-3 and 20: the lower end goes down a half step", -3., 20., -4., 28.);
+    row("20 and 30: the lower end stays on a half step", 20., 30., 20., 36.);
 }
 
 void AxisRange::rescaled()
@@ -118,24 +116,23 @@ void AxisRange::rescaled()
 
 void AxisRange::ladder_data()
 {
-    QTest::addColumn<double>("raw");
-    QTest::addColumn<double>("step");
-    QTest::newRow("exactly 1: the rung 1 is never taken") << 1.0 << 2.0;
-    QTest::newRow("1.65") << 1.65 << 2.0;
-    QTest::newRow("exactly 2") << 2.0 << 2.0;
-    QTest::newRow("2.2") << 2.2 << 4.0;
-    QTest::newRow("exactly 4") << 4.0 << 4.0;
-    QTest::newRow("4.4") << 4.4 << 5.0;
-    QTest::newRow("exactly 5") << 5.0 << 5.0;
-    QTest::newRow("5.5") << 5.5 << 6.0;
-    QTest::newRow("exactly 6") << 6.0 << 6.0;
-    QTest::newRow("6.6") << 6.6 << 8.0;
-    QTest::newRow("exactly 8") << 8.0 << 8.0;
-    QTest::newRow("8.8") << 8.8 << 10.0;
-    QTest::newRow("exactly 10 is not divided") << 10.0 << 10.0;
-    QTest::newRow("11 is the rung of 1.1, tenfold") << 11.0 << 20.0;
-    QTest::newRow("0.99 is the rung of 9.9, a tenth") << 0.99 << 1.0;
-    QTest::newRow("0.11 is the rung of 1.1, a tenth") << 0.11 << 0.2;
+    const auto row = test_columns<double, double>("raw", "step");
+    row("exactly 1: the rung 1 is never taken", 1.0, 2.0);
+    row("1.65", 1.65, 2.0);
+    row("exactly 2", 2.0, 2.0);
+    row("2.2", 2.2, 4.0);
+    row("exactly 4", 4.0, 4.0);
+    row("4.4", 4.4, 5.0);
+    row("exactly 5", 5.0, 5.0);
+    row("5.5", 5.5, 6.0);
+    row("exactly 6", 6.0, 6.0);
+    row("6.6", 6.6, 8.0);
+    row("exactly 8", 8.0, 8.0);
+    row("8.8", 8.8, 10.0);
+    row("exactly 10 is not divided", 10.0, 10.0);
+    row("11 is the rung of 1.1, tenfold", 11.0, 20.0);
+    row("0.99 is the rung of 9.9, a tenth", 0.99, 1.0);
+    row("0.11 is the rung of 1.1, a tenth", 0.11, 0.2);
 }
 
 // With one step from zero on, the upper end is the step.
@@ -170,16 +167,15 @@ void AxisRange::multiple_of_16_bits()
 
 void AxisRange::values_without_a_round_range_terminate_data()
 {
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::newRow("lower end NaN") << qQNaN() << 1.0;
-    QTest::newRow("upper end NaN") << 1.0 << qQNaN();
-    QTest::newRow("both NaN") << qQNaN() << qQNaN();
-    QTest::newRow("to infinity") << 0.0 << INFINITE;
-    QTest::newRow("from minus infinity to infinity") << -INFINITE << INFINITE;
-    QTest::newRow("infinity alone") << INFINITE << INFINITE;
-    QTest::newRow("all doubles") << -DBL_MAX << DBL_MAX;
-    QTest::newRow("reversed") << 10.0 << -10.0;
+    const auto row = test_columns<double, double>("min", "max");
+    row("lower end NaN", qQNaN(), 1.0);
+    row("upper end NaN", 1.0, qQNaN());
+    row("both NaN", qQNaN(), qQNaN());
+    row("to infinity", 0.0, INFINITE);
+    row("from minus infinity to infinity", -INFINITE, INFINITE);
+    row("infinity alone", INFINITE, INFINITE);
+    row("all doubles", -DBL_MAX, DBL_MAX);
+    row("reversed", 10.0, -10.0);
 }
 
 void AxisRange::values_without_a_round_range_terminate()
@@ -194,15 +190,12 @@ void AxisRange::values_without_a_round_range_terminate()
 
 void AxisRange::first_values_data()
 {
-    QTest::addColumn<QVector<double>>("values");
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::newRow("100 and 600") << QVector<double>{100., 600.} << 0. << 800.;
-    QTest::newRow("5 and 5") << QVector<double>{5., 5.} << 3.9 << 6.3;
-    QTest::newRow("in any order") << QVector<double>{0.3, 1., -1., 0.} << -1.2 << 1.2;
-    QTest::newRow("one value") << QVector<double>{5.} << 3.9 << 6.3;
-    QTest::newRow("all above zero: the zeros of the reset do not count")
-        << QVector<double>{20., 30.} << 20. << 36.;
+    const auto row = test_columns<QVector<double>, double, double>("values", "min", "max");
+    row("100 and 600", QVector<double>{100., 600.}, 0., 800.);
+    row("5 and 5", QVector<double>{5., 5.}, 3.9, 6.3);
+    row("in any order", QVector<double>{0.3, 1., -1., 0.}, -1.2, 1.2);
+    row("one value", QVector<double>{5.}, 3.9, 6.3);
+    row("all above zero: the zeros of the reset do not count", QVector<double>{20., 30.}, 20., 36.);
 }
 
 void AxisRange::first_values()

@@ -51,26 +51,24 @@ private slots:
 
 void Classification::status_of_a_point_data()
 {
-    QTest::addColumn<double>("mv");
-    QTest::addColumn<double>("reference");
-    QTest::addColumn<int>("status");
-    QTest::newRow("(50, 50): no error") << 50. << 50. << 0;
-    QTest::newRow("(50, 50.25): error exactly 0.25") << 50. << 50.25 << 0;
-    QTest::newRow("(50, 50.25 and one bit)") << 50. << std::nextafter(50.25, 51.0) << 1;
-    QTest::newRow("(50, 50.3)") << 50. << 50.3 << 1;
-    QTest::newRow("(50, 51): error exactly 1") << 50. << 51. << 1;
-    QTest::newRow("(50, 51 and one bit)") << 50. << std::nextafter(51.0, 52.0) << 2;
-    QTest::newRow("(50, 51.5)") << 50. << 51.5 << 2;
-    QTest::newRow("(50, 52): error exactly 2") << 50. << 52. << 2;
-    QTest::newRow("(50, 52.01)") << 50. << 52.01 << 3;
-    QTest::newRow("(50, 49.75): the sign does not matter") << 50. << 49.75 << 0;
-    QTest::newRow("(50, 49): the sign does not matter") << 50. << 49. << 1;
-    QTest::newRow("(50, 48): the sign does not matter") << 50. << 48. << 2;
-    QTest::newRow("(50, 47.5): the sign does not matter") << 50. << 47.5 << 3;
-    QTest::newRow("beyond the table the last segment goes on") << 110. << 110. << 0;
-    QTest::newRow("a reference that is not a number is within") << 50. << qQNaN() << 0;
-    QTest::newRow("millivolts that are not a number are within") << qQNaN() << 50. << 0;
-    QTest::newRow("an infinite reference") << 50. << INFINITE << 3;
+    const auto row = test_columns<double, double, int>("mv", "reference", "status");
+    row("(50, 50): no error", 50., 50., 0);
+    row("(50, 50.25): error exactly 0.25", 50., 50.25, 0);
+    row("(50, 50.25 and one bit)", 50., std::nextafter(50.25, 51.0), 1);
+    row("(50, 50.3)", 50., 50.3, 1);
+    row("(50, 51): error exactly 1", 50., 51., 1);
+    row("(50, 51 and one bit)", 50., std::nextafter(51.0, 52.0), 2);
+    row("(50, 51.5)", 50., 51.5, 2);
+    row("(50, 52): error exactly 2", 50., 52., 2);
+    row("(50, 52.01)", 50., 52.01, 3);
+    row("(50, 49.75): the sign does not matter", 50., 49.75, 0);
+    row("(50, 49): the sign does not matter", 50., 49., 1);
+    row("(50, 48): the sign does not matter", 50., 48., 2);
+    row("(50, 47.5): the sign does not matter", 50., 47.5, 3);
+    row("beyond the table the last segment goes on", 110., 110., 0);
+    row("a reference that is not a number is within", 50., qQNaN(), 0);
+    row("millivolts that are not a number are within", qQNaN(), 50., 0);
+    row("an infinite reference", 50., INFINITE, 3);
 }
 
 void Classification::status_of_a_point()
@@ -85,21 +83,19 @@ void Classification::status_of_a_point()
 
 void Classification::error_against_the_tolerance_data()
 {
-    QTest::addColumn<double>("error");
-    QTest::addColumn<double>("tolerance");
-    QTest::addColumn<bool>("within");
-    QTest::newRow("on the limit") << 0.25 << 0.25 << true;
-    QTest::newRow("on the limit, below") << -0.25 << 0.25 << true;
-    QTest::newRow("just past the limit") << std::nextafter(0.25, 1.0) << 0.25 << false;
-    QTest::newRow("just past the limit, below") << -std::nextafter(0.25, 1.0) << 0.25 << false;
-    QTest::newRow("a tolerance of 0 passes no error at all") << 0.0 << 0.0 << true;
-    QTest::newRow("and the zero of the other sign") << -0.0 << 0.0 << true;
-    QTest::newRow("but nothing else") << 1e-300 << 0.0 << false;
-    QTest::newRow("a negative tolerance passes nothing") << 0.0 << -1.0 << false;
-    QTest::newRow("error NaN") << qQNaN() << 0.25 << true;
-    QTest::newRow("tolerance NaN") << 5.0 << qQNaN() << true;
-    QTest::newRow("infinite error") << INFINITE << 1e300 << false;
-    QTest::newRow("infinite tolerance") << 1e300 << INFINITE << true;
+    const auto row = test_columns<double, double, bool>("error", "tolerance", "within");
+    row("on the limit", 0.25, 0.25, true);
+    row("on the limit, below", -0.25, 0.25, true);
+    row("just past the limit", std::nextafter(0.25, 1.0), 0.25, false);
+    row("just past the limit, below", -std::nextafter(0.25, 1.0), 0.25, false);
+    row("a tolerance of 0 passes no error at all", 0.0, 0.0, true);
+    row("and the zero of the other sign", -0.0, 0.0, true);
+    row("but nothing else", 1e-300, 0.0, false);
+    row("a negative tolerance passes nothing", 0.0, -1.0, false);
+    row("error NaN", qQNaN(), 0.25, true);
+    row("tolerance NaN", 5.0, qQNaN(), true);
+    row("infinite error", INFINITE, 1e300, false);
+    row("infinite tolerance", 1e300, INFINITE, true);
 }
 
 void Classification::error_against_the_tolerance()
@@ -111,15 +107,13 @@ void Classification::error_against_the_tolerance()
 
 void Classification::order_of_the_limits_data()
 {
-    QTest::addColumn<double>("ooa");
-    QTest::addColumn<double>("oot");
-    QTest::addColumn<double>("soot");
-    QTest::addColumn<int>("status"); // of an error of 1.5
-    QTest::newRow("the widest first: still status 0") << 2.0 << 1.0 << 0.25 << 0;
-    QTest::newRow("the widest in the middle: status 1") << 1.0 << 2.0 << 0.25 << 1;
-    QTest::newRow("the widest last: status 2") << 1.0 << 0.25 << 2.0 << 2;
-    QTest::newRow("all the same and kept: status 0") << 1.5 << 1.5 << 1.5 << 0;
-    QTest::newRow("all zero: status 3") << 0.0 << 0.0 << 0.0 << 3;
+    // status: of an error of 1.5
+    const auto row = test_columns<double, double, double, int>("ooa", "oot", "soot", "status");
+    row("the widest first: still status 0", 2.0, 1.0, 0.25, 0);
+    row("the widest in the middle: status 1", 1.0, 2.0, 0.25, 1);
+    row("the widest last: status 2", 1.0, 0.25, 2.0, 2);
+    row("all the same and kept: status 0", 1.5, 1.5, 1.5, 0);
+    row("all zero: status 3", 0.0, 0.0, 0.0, 3);
 }
 
 void Classification::order_of_the_limits()
@@ -177,17 +171,13 @@ void Classification::former_table_without_points()
 
 void Classification::style_of_a_status_data()
 {
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("style");
-    QTest::newRow("0 no adjustment needed, green")
-        << 0 << QByteArray("background-color: rgb(0,255,0)");
-    QTest::newRow("1 out of adjustment, yellow")
-        << 1 << QByteArray("background-color: rgb(255, 255, 127)");
-    QTest::newRow("2 out of tolerance, orange")
-        << 2 << QByteArray("background-color: rgb(255,170,0)");
-    QTest::newRow("3 significantly out of tolerance, red")
-        << 3 << QByteArray("background-color: rgb(255, 78, 78)");
-    QTest::newRow("beyond 3 as 3") << 65535 << QByteArray("background-color: rgb(255, 78, 78)");
+    const auto row = test_columns<int, QByteArray>("status", "style");
+    row("0 no adjustment needed, green", 0, QByteArray("background-color: rgb(0,255,0)"));
+    row("1 out of adjustment, yellow", 1, QByteArray("background-color: rgb(255, 255, 127)"));
+    row("2 out of tolerance, orange", 2, QByteArray("background-color: rgb(255,170,0)"));
+    row("3 significantly out of tolerance, red", 3,
+        QByteArray("background-color: rgb(255, 78, 78)"));
+    row("beyond 3 as 3", 65535, QByteArray("background-color: rgb(255, 78, 78)"));
 }
 
 void Classification::style_of_a_status()

@@ -44,30 +44,24 @@ private slots:
 
 void Comparison::figures_data()
 {
-    QTest::addColumn<Points>("current");
-    QTest::addColumn<Points>("previous");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<double>("straight_line");
-    QTest::addColumn<double>("current_to_previous");
-    QTest::addColumn<double>("current_to_line");
-    QTest::addColumn<double>("previous_value");
-    QTest::addColumn<double>("previous_to_line");
+    const auto row = test_columns<Points, Points, int, double, double, double, double, double>(
+        "current", "previous", "index", "straight_line", "current_to_previous", "current_to_line",
+        "previous_value", "previous_to_line");
     const Points now{{0., 11.}, {500., 57.}, {1000., 112.}};
     // At 500 mV the former curve reads 55, at 1000 mV 110.
     const Points before{{0., 10.}, {400., 46.}, {1000., 110.}};
     const Points halves{{0., 8.}, {1000., 108.}};
-    QTest::newRow("first point") << now << before << 0 << 10. << 1. << 1. << 10. << 0.;
-    QTest::newRow("both curves are read at the point's millivolts")
-        << now << Points{{0., 10.}, {250., 46.}, {750., 66.}} << 1 << 60. << 1. << 3. << 46. << 11.;
-    QTest::newRow("the line is read at the previous point's own millivolts")
-        << now << before << 1 << 60. << 57. - (46. + 64. / 6.) << 3. << 46. << 4.;
-    QTest::newRow("below the line counts as above it")
-        << Points{{0., 7.}, {1000., 106.}} << halves << 1 << 110. << 2. << 4. << 108. << 2.;
-    QTest::newRow("a previous calibration with fewer points: zero, and a zero difference")
-        << now << halves << 2 << 110. << 4. << 2. << 0. << 0.;
-    QTest::newRow("current equal to previous") << now << now << 1 << 60. << 0. << 3. << 57. << 3.;
-    QTest::newRow("no previous calibration")
-        << now << Points() << 2 << 110. << 112. << 2. << 0. << 0.;
+    row("first point", now, before, 0, 10., 1., 1., 10., 0.);
+    row("both curves are read at the point's millivolts", now,
+        Points{{0., 10.}, {250., 46.}, {750., 66.}}, 1, 60., 1., 3., 46., 11.);
+    row("the line is read at the previous point's own millivolts", now, before, 1, 60.,
+        57. - (46. + 64. / 6.), 3., 46., 4.);
+    row("below the line counts as above it", Points{{0., 7.}, {1000., 106.}}, halves, 1, 110., 2.,
+        4., 108., 2.);
+    row("a previous calibration with fewer points: zero, and a zero difference", now, halves, 2,
+        110., 4., 2., 0., 0.);
+    row("current equal to previous", now, now, 1, 60., 0., 3., 57., 3.);
+    row("no previous calibration", now, Points(), 2, 110., 112., 2., 0., 0.);
 }
 
 void Comparison::figures()

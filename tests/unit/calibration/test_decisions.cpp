@@ -6,105 +6,48 @@
 
 #include "calibration/classification.h"
 #include "calibration/processtables.h"
+#include "support/processquestions.h"
 #include "support/testmain.h"
 
 namespace
 {
 
-constexpr QuestionMark NONE = QuestionMark::None;
-constexpr BoxColour KEEPS = BoxColour::Keeps;
-constexpr BoxColour GREEN = BoxColour::Green;
-constexpr BoxColour YELLOW = BoxColour::Yellow;
-constexpr BoxColour RED = BoxColour::Red;
+constexpr const char *NOTHING = "-- ==";
 
-// One cell: question, colours of the boxes Table Updated and After-Service.
-struct Cell {
-    QuestionMark question;
-    BoxColour table_updated;
-    BoxColour after_service;
-};
-
-struct Line {
-    int save_type;
-    const char *name;
-    Cell by_status[4];
-};
-
-constexpr Cell NOTHING = {NONE, KEEPS, KEEPS};
-
-const Line ADJUST[] = {
-    {3,
-     "As-Found",
-     {{QuestionMark::Q1, GREEN, GREEN},
-      {NONE, GREEN, GREEN},
-      {QuestionMark::Q2, RED, GREEN},
-      {QuestionMark::Q2, RED, GREEN}}},
-    {5,
-     "After-Service",
-     {{NONE, GREEN, KEEPS}, {NONE, GREEN, KEEPS}, {NONE, GREEN, KEEPS}, {NONE, GREEN, KEEPS}}},
-    {6,
-     "Verification",
-     {{QuestionMark::Q5, GREEN, KEEPS},
-      {QuestionMark::Q5, GREEN, KEEPS},
-      {QuestionMark::Q5, GREEN, KEEPS},
-      {QuestionMark::Q5, GREEN, KEEPS}}},
-    {0, "nothing yet", {NOTHING, NOTHING, NOTHING, NOTHING}},
-    {7, "adjustment", {NOTHING, NOTHING, NOTHING, NOTHING}},
-    {8, "re-use", {NOTHING, NOTHING, NOTHING, NOTHING}},
-    {9, "New Correlation", {NOTHING, NOTHING, NOTHING, NOTHING}},
-};
-
-const Line REUSE[] = {
-    {3,
-     "As-Found",
-     {{NONE, GREEN, GREEN},
-      {QuestionMark::Q3, YELLOW, YELLOW},
-      {QuestionMark::Q4, RED, RED},
-      {QuestionMark::Q4, RED, RED}}},
-    {5,
-     "After-Service",
-     {{NONE, GREEN, KEEPS},
-      {QuestionMark::Q3, YELLOW, KEEPS},
-      {QuestionMark::Q4, RED, KEEPS},
-      {QuestionMark::Q4, RED, KEEPS}}},
-    {6,
-     "Verification",
-     {{QuestionMark::Q6, GREEN, KEEPS},
-      {QuestionMark::Q5, GREEN, KEEPS},
-      {QuestionMark::Q5, GREEN, KEEPS},
-      {QuestionMark::Q5, GREEN, KEEPS}}},
-    {0, "nothing yet", {NOTHING, NOTHING, NOTHING, NOTHING}},
-    {7, "adjustment", {NOTHING, NOTHING, NOTHING, NOTHING}},
-    {8, "re-use", {NOTHING, NOTHING, NOTHING, NOTHING}},
-    {9, "New Correlation", {NOTHING, NOTHING, NOTHING, NOTHING}},
-};
-
-template <std::size_t Count> void add_lines(const Line (&lines)[Count])
+// By status: question, and the colours of the boxes Table Updated and
+// After-Service, where '=' leaves the box alone.
+void add_line(int save_type, const char *name, const QVector<QByteArray> &by_status)
 {
-    QTest::addColumn<int>("save_type");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("question");
-    QTest::addColumn<int>("table_updated");
-    QTest::addColumn<int>("after_service");
-    for (const Line &line : lines) {
-        for (int status = 0; status < 4; ++status) {
-            const Cell &cell = line.by_status[status];
-            QTest::addRow("%d %s, status %d", line.save_type, line.name, status)
-                << line.save_type << status << int(cell.question) << int(cell.table_updated)
-                << int(cell.after_service);
-        }
-    }
+    for (int status = 0; status < 4; ++status)
+        QTest::addRow("%d %s, status %d", save_type, name, status)
+            << save_type << status << by_status[status];
+}
+
+void add_lines_without_a_decision()
+{
+    for (const int save_type : {0, 7, 8, 9})
+        add_line(save_type, "decides nothing", QVector<QByteArray>(4, NOTHING));
+}
+
+int box_colour(char letter)
+{
+    return letter == 'g'   ? int(BoxColour::Green)
+           : letter == 'y' ? int(BoxColour::Yellow)
+           : letter == 'r' ? int(BoxColour::Red)
+                           : int(BoxColour::Keeps);
 }
 
 void check_cell(const ProcessDecision &(*table)(uint16_t, uint16_t))
 {
     QFETCH(int, save_type);
     QFETCH(int, status);
+    QFETCH(QByteArray, cell);
     const ProcessDecision &row =
         table(static_cast<uint16_t>(save_type), static_cast<uint16_t>(status));
-    QTEST(int(row.asked), "question");
-    QTEST(int(row.table_updated), "table_updated");
-    QTEST(int(row.after_service), "after_service");
+    QCOMPARE(int(row.asked),
+             cell[0] == 'Q' ? int(QuestionMark::Q1) + (cell[1] - '1') : int(QuestionMark::None));
+    QCOMPARE(int(row.table_updated), box_colour(cell[3]));
+    QCOMPARE(int(row.after_service), box_colour(cell[4]));
 }
 
 const char *const READY = "background-color: rgb(126,232,255)";
@@ -120,30 +63,19 @@ struct Advice {
     const char *next_step; // empty: unchanged
 };
 
-const char *const N1 = "<font color='red'>Channel is out of tolerance,<br>perform service and "
-                       "capture new data</font>";
-const char *const N2 = "<font color='red'>If channel or sensor hardware was changed,<br>adjust "
-                       "calibration rather than re-use.</font>";
-const char *const N3 = "<font color='red'>If shift in calibration is expected due to<br>service "
-                       "performed, adjust calibration</font>";
-const char *const N4 = "<font color='red'>Channel is within expected range</font>";
-const char *const N5 = "<font color='red'>Channel is outside of expected range</font>";
-const char *const N6 = "<font color='red'>Channel is out of tolerance,<br>perform service and "
-                       "capture new data.</font>";
-
 const Advice ADVICE[] = {
     {3, 0, "As-Found, status 0", READY, IDLE, ""},
     {3, 1, "As-Found, status 1", IDLE, READY, ""},
-    {3, 2, "As-Found, status 2", IDLE, IDLE, N1},
-    {3, 3, "As-Found, status 3", IDLE, IDLE, N1},
-    {5, 0, "After-Service, status 0", READY, CAUTION, N2},
+    {3, 2, "As-Found, status 2", IDLE, IDLE, PROCESS_ADVICE[0]},
+    {3, 3, "As-Found, status 3", IDLE, IDLE, PROCESS_ADVICE[0]},
+    {5, 0, "After-Service, status 0", READY, CAUTION, PROCESS_ADVICE[1]},
     {5, 1, "After-Service, status 1", IDLE, READY, ""},
-    {5, 2, "After-Service, status 2", IDLE, CAUTION, N3},
-    {5, 3, "After-Service, status 3", IDLE, CAUTION, N3},
-    {6, 0, "Verification, status 0", IDLE, IDLE, N4},
-    {6, 1, "Verification, status 1", IDLE, IDLE, N5},
-    {6, 2, "Verification, status 2, with a final point", IDLE, IDLE, N6},
-    {6, 3, "Verification, status 3, with a final point", IDLE, IDLE, N6},
+    {5, 2, "After-Service, status 2", IDLE, CAUTION, PROCESS_ADVICE[2]},
+    {5, 3, "After-Service, status 3", IDLE, CAUTION, PROCESS_ADVICE[2]},
+    {6, 0, "Verification, status 0", IDLE, IDLE, PROCESS_ADVICE[3]},
+    {6, 1, "Verification, status 1", IDLE, IDLE, PROCESS_ADVICE[4]},
+    {6, 2, "Verification, status 2, with a final point", IDLE, IDLE, PROCESS_ADVICE[5]},
+    {6, 3, "Verification, status 3, with a final point", IDLE, IDLE, PROCESS_ADVICE[5]},
 };
 
 } // namespace
@@ -153,9 +85,9 @@ class Decisions : public QObject
     Q_OBJECT
 
 private slots:
-    void adjust_data() { add_lines(ADJUST); }
+    void adjust_data();
     void adjust() { check_cell(adjust_decision); }
-    void reuse_data() { add_lines(REUSE); }
+    void reuse_data();
     void reuse() { check_cell(reuse_decision); }
     void status_beyond_3_asks_nothing_data();
     void status_beyond_3_asks_nothing();
@@ -166,6 +98,24 @@ private slots:
     void recordings_without_advice_data();
     void recordings_without_advice();
 };
+
+void Decisions::adjust_data()
+{
+    test_columns<int, int, QByteArray>("save_type", "status", "cell");
+    add_line(SAVE_AS_FOUND, "As-Found", {"Q1 gg", "-- gg", "Q2 rg", "Q2 rg"});
+    add_line(SAVE_AFTER_SERVICE, "After-Service", QVector<QByteArray>(4, "-- g="));
+    add_line(SAVE_VERIFICATION, "Verification", QVector<QByteArray>(4, "Q5 g="));
+    add_lines_without_a_decision();
+}
+
+void Decisions::reuse_data()
+{
+    test_columns<int, int, QByteArray>("save_type", "status", "cell");
+    add_line(SAVE_AS_FOUND, "As-Found", {"-- gg", "Q3 yy", "Q4 rr", "Q4 rr"});
+    add_line(SAVE_AFTER_SERVICE, "After-Service", {"-- g=", "Q3 y=", "Q4 r=", "Q4 r="});
+    add_line(SAVE_VERIFICATION, "Verification", {"Q6 g=", "Q5 g=", "Q5 g=", "Q5 g="});
+    add_lines_without_a_decision();
+}
 
 void Decisions::status_beyond_3_asks_nothing_data()
 {
@@ -185,13 +135,11 @@ void Decisions::status_beyond_3_asks_nothing()
 
 void Decisions::box_colours_are_those_of_the_judgement_data()
 {
-    QTest::addColumn<int>("colour");
-    QTest::addColumn<QByteArray>("style");
-    QTest::newRow("green") << int(GREEN) << QByteArray("background-color: rgb(0,255,0)");
-    QTest::newRow("yellow") << int(YELLOW) << QByteArray("background-color: rgb(255, 255, 127)");
-    QTest::newRow("orange") << int(BoxColour::Orange)
-                            << QByteArray("background-color: rgb(255,170,0)");
-    QTest::newRow("red") << int(RED) << QByteArray("background-color: rgb(255, 78, 78)");
+    const auto row = test_columns<int, QByteArray>("colour", "style");
+    row("green", int(BoxColour::Green), QByteArray("background-color: rgb(0,255,0)"));
+    row("yellow", int(BoxColour::Yellow), QByteArray("background-color: rgb(255, 255, 127)"));
+    row("orange", int(BoxColour::Orange), QByteArray("background-color: rgb(255,170,0)"));
+    row("red", int(BoxColour::Red), QByteArray("background-color: rgb(255, 78, 78)"));
 }
 
 void Decisions::box_colours_are_those_of_the_judgement()

@@ -71,13 +71,11 @@ private slots:
 
 void LineFit::exact_lines_data()
 {
-    QTest::addColumn<QVector<double>>("x");
-    QTest::addColumn<double>("slope");
-    QTest::addColumn<double>("intercept");
-    QTest::newRow("two points") << QVector<double>{0., 100.} << 2.5 << 0.;
-    QTest::newRow("five points, falling") << QVector<double>{0., 1., 2., 3., 4.} << -3. << 7.;
-    QTest::newRow("points in any order") << QVector<double>{8., -2., 4., 0.} << 0.5 << -1.;
-    QTest::newRow("one x twice") << QVector<double>{1., 1., 5.} << 2. << 3.;
+    const auto row = test_columns<QVector<double>, double, double>("x", "slope", "intercept");
+    row("two points", QVector<double>{0., 100.}, 2.5, 0.);
+    row("five points, falling", QVector<double>{0., 1., 2., 3., 4.}, -3., 7.);
+    row("points in any order", QVector<double>{8., -2., 4., 0.}, 0.5, -1.);
+    row("one x twice", QVector<double>{1., 1., 5.}, 2., 3.);
 }
 
 // Small whole numbers: every sum is exact, and so is the line.
@@ -131,13 +129,11 @@ void LineFit::certified_line()
 
 void LineFit::no_finite_line_data()
 {
-    QTest::addColumn<QVector<double>>("x");
-    QTest::addColumn<QVector<double>>("y");
-    QTest::newRow("two points with equal x") << QVector<double>{5., 5.} << QVector<double>{1., 2.};
-    QTest::newRow("three points with equal x")
-        << QVector<double>{2., 2., 2.} << QVector<double>{1., 2., 4.};
-    QTest::newRow("one point") << QVector<double>{5.} << QVector<double>{1.};
-    QTest::newRow("no point") << QVector<double>{} << QVector<double>{};
+    const auto row = test_columns<QVector<double>, QVector<double>>("x", "y");
+    row("two points with equal x", QVector<double>{5., 5.}, QVector<double>{1., 2.});
+    row("three points with equal x", QVector<double>{2., 2., 2.}, QVector<double>{1., 2., 4.});
+    row("one point", QVector<double>{5.}, QVector<double>{1.});
+    row("no point", QVector<double>{}, QVector<double>{});
 }
 
 void LineFit::no_finite_line()
@@ -220,12 +216,11 @@ void LineFit::equal_millivolts_give_what_the_division_gives()
 
 void LineFit::odd_point_counts_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("fitted");
-    QTest::newRow("all that a table holds") << 64 << 64;
-    QTest::newRow("more than a table holds") << 65 << 64;
-    QTest::newRow("far more") << 32767 << 64;
-    QTest::newRow("negative") << -1 << 0;
+    const auto row = test_columns<int, int>("count", "fitted");
+    row("all that a table holds", 64, 64);
+    row("more than a table holds", 65, 64);
+    row("far more", 32767, 64);
+    row("negative", -1, 0);
 }
 
 void LineFit::odd_point_counts()

@@ -17,7 +17,7 @@ private slots:
     void table_without_points_gives_zero_pairs();
     void number_of_points_stays_within_the_table_data();
     void number_of_points_stays_within_the_table();
-    void unused_points_are_cleared_data();
+    void unused_points_are_cleared_data() { number_of_points_stays_within_the_table_data(); }
     void unused_points_are_cleared();
 };
 
@@ -65,15 +65,14 @@ void PlotCurve::table_without_points_gives_zero_pairs()
 
 void PlotCurve::number_of_points_stays_within_the_table_data()
 {
-    QTest::addColumn<int>("recorded");
-    QTest::addColumn<int>("used");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("some") << 7 << 7;
-    QTest::newRow("all") << 64 << 64;
-    QTest::newRow("just past all") << 65 << 64;
-    QTest::newRow("largest") << 32767 << 64;
-    QTest::newRow("negative") << -1 << 0;
-    QTest::newRow("smallest") << -32768 << 0;
+    const auto row = test_columns<int, int>("recorded", "used");
+    row("none", 0, 0);
+    row("some", 7, 7);
+    row("all", 64, 64);
+    row("just past all", 65, 64);
+    row("largest", 32767, 64);
+    row("negative", -1, 0);
+    row("smallest", -32768, 0);
 }
 
 void PlotCurve::number_of_points_stays_within_the_table()
@@ -87,11 +86,6 @@ void PlotCurve::number_of_points_stays_within_the_table()
     PLOT_CURVE curve = {};
     fill_plot_curve(&table, &curve);
     QCOMPARE(curve.pairs[63].x, used == 0 ? 0.0 : table.x[used - 1]);
-}
-
-void PlotCurve::unused_points_are_cleared_data()
-{
-    number_of_points_stays_within_the_table_data();
 }
 
 void PlotCurve::unused_points_are_cleared()

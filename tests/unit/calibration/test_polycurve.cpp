@@ -82,20 +82,18 @@ void PolyCurve::update(ZERL_CFG *cfg, bool fit, double from, double to)
 
 void PolyCurve::number_of_coefficients_data()
 {
-    QTest::addColumn<int>("degree");
-    QTest::addColumn<int>("points");
-    QTest::addColumn<int>("coefficients");
-    QTest::newRow("degree 7 with 5 points: 4 coefficients") << 7 << 5 << 4;
-    QTest::newRow("degree 4 with 5 points: exact, 5 coefficients") << 4 << 5 << 5;
-    QTest::newRow("degree 5 with 5 points: 4 coefficients") << 5 << 5 << 4;
-    QTest::newRow("degree 3 with 5 points: 4 coefficients") << 3 << 5 << 4;
-    QTest::newRow("degree 7 with 64 points") << 7 << 64 << 8;
-    QTest::newRow("degree 1 with 2 points") << 1 << 2 << 2;
-    QTest::newRow("degree 1 with 1 point: none") << 1 << 1 << 0;
-    QTest::newRow("degree 1 without points: none") << 1 << 0 << 0;
-    QTest::newRow("degree 0") << 0 << 5 << 1;
-    QTest::newRow("a degree beyond what a range holds") << 40 << 64 << 18;
-    QTest::newRow("a negative degree") << -5 << 5 << 0;
+    const auto row = test_columns<int, int, int>("degree", "points", "coefficients");
+    row("degree 7 with 5 points: 4 coefficients", 7, 5, 4);
+    row("degree 4 with 5 points: exact, 5 coefficients", 4, 5, 5);
+    row("degree 5 with 5 points: 4 coefficients", 5, 5, 4);
+    row("degree 3 with 5 points: 4 coefficients", 3, 5, 4);
+    row("degree 7 with 64 points", 7, 64, 8);
+    row("degree 1 with 2 points", 1, 2, 2);
+    row("degree 1 with 1 point: none", 1, 1, 0);
+    row("degree 1 without points: none", 1, 0, 0);
+    row("degree 0", 0, 5, 1);
+    row("a degree beyond what a range holds", 40, 64, 18);
+    row("a negative degree", -5, 5, 0);
 }
 
 void PolyCurve::number_of_coefficients()
@@ -107,13 +105,11 @@ void PolyCurve::number_of_coefficients()
 
 void PolyCurve::degree_is_clamped_by_the_points_data()
 {
-    QTest::addColumn<QString>("degree");
-    QTest::addColumn<int>("points");
-    QTest::addColumn<int>("coefficients");
-    QTest::newRow("degree 7 with 5 points: 4 coefficients") << "7" << 5 << 4;
-    QTest::newRow("degree 4 with 5 points: 5 coefficients") << "4" << 5 << 5;
-    QTest::newRow("degree 2 with 2 points: 1 coefficient") << "2" << 2 << 1;
-    QTest::newRow("a text that is no number is degree 0") << "" << 5 << 1;
+    const auto row = test_columns<QString, int, int>("degree", "points", "coefficients");
+    row("degree 7 with 5 points: 4 coefficients", "7", 5, 4);
+    row("degree 4 with 5 points: 5 coefficients", "4", 5, 5);
+    row("degree 2 with 2 points: 1 coefficient", "2", 2, 1);
+    row("a text that is no number is degree 0", "", 5, 1);
 }
 
 void PolyCurve::degree_is_clamped_by_the_points()
@@ -253,13 +249,11 @@ void PolyCurve::samples_of_the_curve()
 
 void PolyCurve::extent_of_the_samples_data()
 {
-    QTest::addColumn<double>("constant");
-    QTest::addColumn<double>("y_min");
-    QTest::addColumn<double>("y_max");
-    QTest::newRow("one value is both ends") << 5.0 << 5.0 << 5.0;
-    QTest::newRow("above the start value of the minimum") << 2e6 << 999999.0 << 2e6;
-    QTest::newRow("below the start value of the maximum") << -2e6 << -2e6 << -999999.0;
-    QTest::newRow("not a number: the start values stay") << qQNaN() << 999999.0 << -999999.0;
+    const auto row = test_columns<double, double, double>("constant", "y_min", "y_max");
+    row("one value is both ends", 5.0, 5.0, 5.0);
+    row("above the start value of the minimum", 2e6, 999999.0, 2e6);
+    row("below the start value of the maximum", -2e6, -2e6, -999999.0);
+    row("not a number: the start values stay", qQNaN(), 999999.0, -999999.0);
 }
 
 void PolyCurve::extent_of_the_samples()
@@ -285,13 +279,12 @@ void PolyCurve::range_without_points()
 
 void PolyCurve::odd_point_counts_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("index");
-    QTest::newRow("more points than a range holds") << 65 << 0;
-    QTest::newRow("far more") << 32767 << 0;
-    QTest::newRow("negative") << -1 << 0;
-    QTest::newRow("index past the last range") << 64 << 8;
-    QTest::newRow("negative index") << 64 << -1;
+    const auto row = test_columns<int, int>("count", "index");
+    row("more points than a range holds", 65, 0);
+    row("far more", 32767, 0);
+    row("negative", -1, 0);
+    row("index past the last range", 64, 8);
+    row("negative index", 64, -1);
 }
 
 void PolyCurve::odd_point_counts()

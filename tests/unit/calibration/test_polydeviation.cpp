@@ -27,33 +27,26 @@ private slots:
 
 void PolyDeviation::deviation_data()
 {
-    QTest::addColumn<QVector<double>>("coeffs");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<double>("x");
-    QTest::addColumn<double>("y");
-    QTest::addColumn<double>("computed");
-    QTest::addColumn<double>("difference");
+    const auto row = test_columns<QVector<double>, int, double, double, double, double>(
+        "coeffs", "count", "x", "y", "computed", "difference");
     const QVector<double> square{1., 2., 3.};
-    QTest::newRow("measured above computed is positive") << square << 3 << 2. << 17.5 << 17. << 0.5;
-    QTest::newRow("measured below computed is negative")
-        << square << 3 << 2. << 16.25 << 17. << -0.75;
-    QTest::newRow("only as many coefficients as the range counts")
-        << square << 2 << 2. << 5. << 5. << 0.;
-    QTest::newRow("no coefficients") << square << 0 << 2. << 5. << 0. << 5.;
-    QTest::newRow("a negative count") << square << -1 << 2. << 5. << 0. << 5.;
-    QTest::newRow("negative millivolts") << square << 3 << -1. << 2. << 2. << 0.;
+    row("measured above computed is positive", square, 3, 2., 17.5, 17., 0.5);
+    row("measured below computed is negative", square, 3, 2., 16.25, 17., -0.75);
+    row("only as many coefficients as the range counts", square, 2, 2., 5., 5., 0.);
+    row("no coefficients", square, 0, 2., 5., 0., 5.);
+    row("a negative count", square, -1, 2., 5., 0., 5.);
+    row("negative millivolts", square, 3, -1., 2., 2., 0.);
     QVector<double> full(POLY_COEFFS, 0.);
     full[17] = 1.;
-    QTest::newRow("18 coefficients") << full << 18 << 2. << 131072. << 131072. << 0.;
+    row("18 coefficients", full, 18, 2., 131072., 131072., 0.);
     // 2^17 and 5 * 2^18, then 7 * 2^19 too.
-    QTest::newRow("the 19th is the first x value")
-        << full << 19 << 2. << 1441792. << 1441792. << 0.;
-    QTest::newRow("the 20th is the second") << full << 20 << 2. << 0. << 5111808. << -5111808.;
-    QTest::newRow("the 64th is the 46th") << full << 64 << 1. << 0. << 24. << -24.;
-    QTest::newRow("more than points stop at the 64th") << full << 65 << 1. << 0. << 24. << -24.;
+    row("the 19th is the first x value", full, 19, 2., 1441792., 1441792., 0.);
+    row("the 20th is the second", full, 20, 2., 0., 5111808., -5111808.);
+    row("the 64th is the 46th", full, 64, 1., 0., 24., -24.);
+    row("more than points stop at the 64th", full, 65, 1., 0., 24., -24.);
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    QTest::newRow("millivolts that are no number") << square << 3 << nan << 2. << nan << nan;
-    QTest::newRow("a value that is no number") << square << 3 << 2. << nan << 17. << nan;
+    row("millivolts that are no number", square, 3, nan, 2., nan, nan);
+    row("a value that is no number", square, 3, 2., nan, 17., nan);
 }
 
 void PolyDeviation::deviation()
@@ -101,13 +94,11 @@ void PolyDeviation::r_squared_takes_the_values_for_x_and_the_millivolts_for_y()
 
 void PolyDeviation::r_squared_of_the_types_range_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<bool>("exact");
-    QTest::newRow("POLY_RANGE: the range in work") << int(TABLE_POLY_RANGE) << 3 << true;
-    QTest::newRow("POLY_RANGE in another range") << int(TABLE_POLY_RANGE) << 2 << false;
-    QTest::newRow("POLY: the first, whatever the index") << int(TABLE_POLY) << 3 << false;
-    QTest::newRow("INTERP: the first as well") << int(TABLE_INTERP) << 3 << false;
+    const auto row = test_columns<int, int, bool>("type", "index", "exact");
+    row("POLY_RANGE: the range in work", int(TABLE_POLY_RANGE), 3, true);
+    row("POLY_RANGE in another range", int(TABLE_POLY_RANGE), 2, false);
+    row("POLY: the first, whatever the index", int(TABLE_POLY), 3, false);
+    row("INTERP: the first as well", int(TABLE_INTERP), 3, false);
 }
 
 void PolyDeviation::r_squared_of_the_types_range()
@@ -125,21 +116,18 @@ void PolyDeviation::r_squared_of_the_types_range()
         cfg->point_stats[i].eu_mean = i;
         cfg->point_stats[i].mv_mean = 2. * i;
     }
-    QFETCH(bool, exact);
-    QCOMPARE(poly_r_squared(*cfg) == 1., exact);
+    QTEST(poly_r_squared(*cfg) == 1., "exact");
 }
 
 void PolyDeviation::r_squared_of_odd_counts_data()
 {
-    QTest::addColumn<int>("points");
-    QTest::addColumn<int>("coeffs");
-    QTest::addColumn<double>("r_squared");
-    QTest::newRow("no points") << 0 << 2 << 0.;
-    QTest::newRow("a negative number of points") << -3 << 2 << 0.;
-    QTest::newRow("64 points") << 64 << 2 << 1.;
-    QTest::newRow("more points than there are") << 1000 << 2 << 1.;
-    QTest::newRow("more coefficients than a range holds: the x values serve too") << 64 << 64 << 1.;
-    QTest::newRow("more coefficients than points") << 64 << 65 << 1.;
+    const auto row = test_columns<int, int, double>("points", "coeffs", "r_squared");
+    row("no points", 0, 2, 0.);
+    row("a negative number of points", -3, 2, 0.);
+    row("64 points", 64, 2, 1.);
+    row("more points than there are", 1000, 2, 1.);
+    row("more coefficients than a range holds: the x values serve too", 64, 64, 1.);
+    row("more coefficients than points", 64, 65, 1.);
 }
 
 void PolyDeviation::r_squared_of_odd_counts()

@@ -53,7 +53,7 @@ class Rebuild : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { require_private_cell(); }
     void init();
     void cleanupTestCase();
     void waits_two_seconds_by_default();
@@ -82,11 +82,6 @@ void Rebuild::install_program(const QByteArray &script)
         return;
     write_file(PROGRAM, "#!/bin/sh\n" + script);
     QVERIFY(QFile::setPermissions(PROGRAM, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-}
-
-void Rebuild::initTestCase()
-{
-    require_private_cell();
 }
 
 void Rebuild::init()
@@ -206,12 +201,11 @@ void Rebuild::program_is_not_waited_for()
 
 void Rebuild::memories_lost_data()
 {
-    QTest::addColumn<int>("id");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("the first of them")
-        << int{MEMORY_AI_REAL} << "Vornax must be running\nUnable to get AI_REAL memory";
-    QTest::newRow("the last of them")
-        << int{MEMORY_CAL_TABLES} << "Vornax must be running\nUnable to get CAL_TABLES memory";
+    const auto row = test_columns<int, QString>("id", "message");
+    row("the first of them", int{MEMORY_AI_REAL},
+        "Vornax must be running\nUnable to get AI_REAL memory");
+    row("the last of them", int{MEMORY_CAL_TABLES},
+        "Vornax must be running\nUnable to get CAL_TABLES memory");
 }
 
 void Rebuild::memories_lost()
@@ -232,11 +226,10 @@ void Rebuild::memories_lost()
 
 void Rebuild::units_lost_data()
 {
-    QTest::addColumn<int>("result");
-    QTest::addColumn<bool>("lost");
-    QTest::newRow("-1") << -1 << true;
-    QTest::newRow("65535, -1 as a 16-bit value") << 65535 << true;
-    QTest::newRow("another result is no failure") << 5 << false;
+    const auto row = test_columns<int, bool>("result", "lost");
+    row("-1", -1, true);
+    row("65535, -1 as a 16-bit value", 65535, true);
+    row("another result is no failure", 5, false);
 }
 
 void Rebuild::units_lost()

@@ -131,13 +131,12 @@ void SortPoints::values_that_are_no_numbers_come_last()
 
 void SortPoints::counts_outside_the_table_data()
 {
-    QTest::addColumn<int>("n");
-    QTest::addColumn<int>("sorted");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("one") << 1 << 1;
-    QTest::newRow("all that a table holds") << 64 << 64;
-    QTest::newRow("more") << 65 << 64;
-    QTest::newRow("negative") << -1 << 0;
+    const auto row = test_columns<int, int>("n", "sorted");
+    row("none", 0, 0);
+    row("one", 1, 1);
+    row("all that a table holds", 64, 64);
+    row("more", 65, 64);
+    row("negative", -1, 0);
 }
 
 void SortPoints::counts_outside_the_table()

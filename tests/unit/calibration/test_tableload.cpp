@@ -170,12 +170,11 @@ void TableLoad::interp_coefficients_are_a_straight_line()
 
 void TableLoad::more_than_18_points_data()
 {
-    QTest::addColumn<int>("points");
-    QTest::addColumn<int>("zeroed");
-    QTest::newRow("18 points keep all their x values") << 18 << 0;
-    QTest::newRow("19 points: the first x value is zero") << 19 << 1;
-    QTest::newRow("20 points: the first two x values are zero") << 20 << 2;
-    QTest::newRow("64 points: the first 46 x values are zero") << 64 << 46;
+    const auto row = test_columns<int, int>("points", "zeroed");
+    row("18 points keep all their x values", 18, 0);
+    row("19 points: the first x value is zero", 19, 1);
+    row("20 points: the first two x values are zero", 20, 2);
+    row("64 points: the first 46 x values are zero", 64, 46);
 }
 
 // The overrun comes before the sort, and all x values here are positive: the
@@ -204,15 +203,14 @@ void TableLoad::more_than_18_points()
 
 void TableLoad::line_coefficients_run_into_the_points_data()
 {
-    QTest::addColumn<int>("n");
-    QTest::addColumn<int>("copied");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("2") << 2 << 2;
-    QTest::newRow("18 fill the coefficients") << 18 << 18;
-    QTest::newRow("19 reach the first x") << 19 << 19;
-    QTest::newRow("64 reach the 46th x") << 64 << 64;
-    QTest::newRow("more than the buffer holds") << 65 << 64;
-    QTest::newRow("negative") << -1 << 0;
+    const auto row = test_columns<int, int>("n", "copied");
+    row("none", 0, 0);
+    row("2", 2, 2);
+    row("18 fill the coefficients", 18, 18);
+    row("19 reach the first x", 19, 19);
+    row("64 reach the 46th x", 64, 64);
+    row("more than the buffer holds", 65, 64);
+    row("negative", -1, 0);
 }
 
 void TableLoad::line_coefficients_run_into_the_points()
@@ -292,13 +290,11 @@ void TableLoad::poly_of_20_points_without_coefficients()
 
 void TableLoad::lowest_range_in_use_is_selected_data()
 {
-    QTest::addColumn<QList<int>>("in_use");
-    QTest::addColumn<int>("stored_index");
-    QTest::addColumn<int>("selected");
-    QTest::newRow("ranges 2 and 5: range 2") << QList<int>{2, 5} << 0 << 2;
-    QTest::newRow("whatever the file's index") << QList<int>{2, 5} << 5 << 2;
-    QTest::newRow("the last range alone") << QList<int>{7} << 0 << 7;
-    QTest::newRow("all of them") << QList<int>{0, 1, 2, 3, 4, 5, 6, 7} << 3 << 0;
+    const auto row = test_columns<QList<int>, int, int>("in_use", "stored_index", "selected");
+    row("ranges 2 and 5: range 2", QList<int>{2, 5}, 0, 2);
+    row("whatever the file's index", QList<int>{2, 5}, 5, 2);
+    row("the last range alone", QList<int>{7}, 0, 7);
+    row("all of them", QList<int>{0, 1, 2, 3, 4, 5, 6, 7}, 3, 0);
 }
 
 void TableLoad::lowest_range_in_use_is_selected()

@@ -245,24 +245,18 @@ void TableRead::longest_path()
 
 void TableRead::files_of_one_channel_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("archived_count");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<int>("logged");
+    const auto row = test_columns<int, int, int, QStringList, int>("type", "archived_count",
+                                                                   "count", "messages", "logged");
     const QStringList none;
-    QTest::newRow("INTERP, the same number of points, other values") << 0 << 3 << 3 << none << 0;
-    QTest::newRow("INTERP, more points in the archive")
-        << 0 << 5 << 3 << QStringList(OTHER_COUNT) << 1;
-    QTest::newRow("INTERP, fewer points in the archive")
-        << 0 << 2 << 3 << QStringList(OTHER_COUNT) << 1;
-    QTest::newRow("POLY, the same number of coefficients") << 1 << 3 << 3 << none << 0;
-    QTest::newRow("POLY, another number of coefficients")
-        << 1 << 4 << 3
-        << QStringList("/cell/tables/flow.tbl num coeff of polynomial differ from "
-                       "/cell/tables/flow.save")
-        << 0;
-    QTest::newRow("POLY_RANGE, another number of coefficients") << 7 << 4 << 3 << none << 0;
+    row("INTERP, the same number of points, other values", 0, 3, 3, none, 0);
+    row("INTERP, more points in the archive", 0, 5, 3, QStringList(OTHER_COUNT), 1);
+    row("INTERP, fewer points in the archive", 0, 2, 3, QStringList(OTHER_COUNT), 1);
+    row("POLY, the same number of coefficients", 1, 3, 3, none, 0);
+    row("POLY, another number of coefficients", 1, 4, 3,
+        QStringList("/cell/tables/flow.tbl num coeff of polynomial differ from "
+                    "/cell/tables/flow.save"),
+        0);
+    row("POLY_RANGE, another number of coefficients", 7, 4, 3, none, 0);
 }
 
 // Points for INTERP, coefficients for the others.
@@ -295,39 +289,30 @@ void TableRead::files_of_one_channel()
 
 void TableRead::comparison_data()
 {
-    QTest::addColumn<int>("archived_type");
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("archived_points");
-    QTest::addColumn<int>("archived_coeffs"); // the table file has 3 and 2
-    QTest::addColumn<double>("difference");
-    QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<QStringList>("logged");
+    // archived_coeffs: the table file has 3 and 2
+    const auto row = test_columns<int, int, int, int, double, QStringList, QStringList>(
+        "archived_type", "type", "archived_points", "archived_coeffs", "difference", "messages",
+        "logged");
     const QStringList none;
     const QStringList points("T pts diff from S ADJUST cal");
     const QStringList points_log("<T> data does not agree with <S> data\n not the same number of "
                                  "points");
     const QStringList type("<T> table type differs from <S> ");
     const QStringList coeffs("T num coeff of polynomial differ from S");
-    QTest::newRow("the same") << 0 << 0 << 3 << 2 << 0.0 << none << none;
-    QTest::newRow("types differ, nothing further is compared")
-        << 0 << 1 << 9 << 9 << 5.0 << type << none;
-    QTest::newRow("types differ the other way") << 1 << 0 << 9 << 9 << 5.0 << type << none;
-    QTest::newRow("type open in the archive alone") << 65535 << 0 << 3 << 2 << 0.0 << type << none;
-    QTest::newRow("INTERP: other number of points")
-        << 0 << 0 << 4 << 2 << 0.0 << points << points_log;
-    QTest::newRow("INTERP: values far above stay silent")
-        << 0 << 0 << 3 << 2 << 1e6 << none << none;
-    QTest::newRow("INTERP: values far below stay silent")
-        << 0 << 0 << 3 << 2 << -1e6 << none << none;
-    QTest::newRow("INTERP: values apart by the bound") << 0 << 0 << 3 << 2 << 1e-7 << none << none;
-    QTest::newRow("INTERP: values not numbers") << 0 << 0 << 3 << 2 << qQNaN() << none << none;
-    QTest::newRow("INTERP: coefficients are not compared")
-        << 0 << 0 << 3 << 9 << 0.0 << none << none;
-    QTest::newRow("POLY: other number of coefficients")
-        << 1 << 1 << 3 << 4 << 0.0 << coeffs << none;
-    QTest::newRow("POLY: points are not compared") << 1 << 1 << 9 << 2 << 5.0 << none << none;
-    QTest::newRow("SCALED: nothing is compared") << 2 << 2 << 9 << 9 << 5.0 << none << none;
-    QTest::newRow("POLY_RANGE: nothing is compared") << 7 << 7 << 9 << 9 << 5.0 << none << none;
+    row("the same", 0, 0, 3, 2, 0.0, none, none);
+    row("types differ, nothing further is compared", 0, 1, 9, 9, 5.0, type, none);
+    row("types differ the other way", 1, 0, 9, 9, 5.0, type, none);
+    row("type open in the archive alone", 65535, 0, 3, 2, 0.0, type, none);
+    row("INTERP: other number of points", 0, 0, 4, 2, 0.0, points, points_log);
+    row("INTERP: values far above stay silent", 0, 0, 3, 2, 1e6, none, none);
+    row("INTERP: values far below stay silent", 0, 0, 3, 2, -1e6, none, none);
+    row("INTERP: values apart by the bound", 0, 0, 3, 2, 1e-7, none, none);
+    row("INTERP: values not numbers", 0, 0, 3, 2, qQNaN(), none, none);
+    row("INTERP: coefficients are not compared", 0, 0, 3, 9, 0.0, none, none);
+    row("POLY: other number of coefficients", 1, 1, 3, 4, 0.0, coeffs, none);
+    row("POLY: points are not compared", 1, 1, 9, 2, 5.0, none, none);
+    row("SCALED: nothing is compared", 2, 2, 9, 9, 5.0, none, none);
+    row("POLY_RANGE: nothing is compared", 7, 7, 9, 9, 5.0, none, none);
 }
 
 void TableRead::comparison()

@@ -46,7 +46,7 @@ private slots:
     void init();
     void files_of_each_step_data();
     void files_of_each_step();
-    void record_is_stamped_behind_the_archive_write_data();
+    void record_is_stamped_behind_the_archive_write_data() { files_of_each_step_data(); }
     void record_is_stamped_behind_the_archive_write();
     void stamp_travels_with_the_next_record();
     void extent_of_the_captured_values_data();
@@ -115,13 +115,12 @@ void TableSave::init()
 
 void TableSave::files_of_each_step_data()
 {
-    QTest::addColumn<int>("save_type");
-    QTest::addColumn<bool>("rewrites");
-    QTest::newRow("3 As-Found") << 3 << false;
-    QTest::newRow("5 After-Service") << 5 << false;
-    QTest::newRow("6 Verification") << 6 << false;
-    QTest::newRow("7 Table Updated by adjustment") << 7 << true;
-    QTest::newRow("9 New Correlation") << 9 << true;
+    const auto row = test_columns<int, bool>("save_type", "rewrites");
+    row("3 As-Found", 3, false);
+    row("5 After-Service", 5, false);
+    row("6 Verification", 6, false);
+    row("7 Table Updated by adjustment", 7, true);
+    row("9 New Correlation", 9, true);
 }
 
 void TableSave::files_of_each_step()
@@ -148,11 +147,6 @@ void TableSave::files_of_each_step()
     QCOMPARE(m_cfg->table_dirty, uint16_t{0});
     QCOMPARE(m_cfg->unsaved_flag, uint16_t{0});
     QCOMPARE(information_texts(), QStringList());
-}
-
-void TableSave::record_is_stamped_behind_the_archive_write_data()
-{
-    files_of_each_step_data();
 }
 
 void TableSave::record_is_stamped_behind_the_archive_write()
@@ -184,17 +178,14 @@ void TableSave::stamp_travels_with_the_next_record()
 
 void TableSave::extent_of_the_captured_values_data()
 {
-    QTest::addColumn<QVector<double>>("y");
-    QTest::addColumn<double>("y_min");
-    QTest::addColumn<double>("y_max");
-    QTest::newRow("three values") << QVector<double>{50., -7.5, 20.} << -7.5 << 50.;
-    QTest::newRow("one value") << QVector<double>{5.} << 5. << 5.;
-    QTest::newRow("no points: the seeds, the other way round")
-        << QVector<double>{} << 999999.0 << -999999.0;
-    QTest::newRow("values beyond the seeds") << QVector<double>{2e6, 3e6} << 999999.0 << 3e6;
-    QTest::newRow("values below the seeds") << QVector<double>{-2e6, -3e6} << -3e6 << -999999.0;
-    QTest::newRow("values that are not numbers are passed over")
-        << QVector<double>{qQNaN(), 4., qQNaN()} << 4. << 4.;
+    const auto row = test_columns<QVector<double>, double, double>("y", "y_min", "y_max");
+    row("three values", QVector<double>{50., -7.5, 20.}, -7.5, 50.);
+    row("one value", QVector<double>{5.}, 5., 5.);
+    row("no points: the seeds, the other way round", QVector<double>{}, 999999.0, -999999.0);
+    row("values beyond the seeds", QVector<double>{2e6, 3e6}, 999999.0, 3e6);
+    row("values below the seeds", QVector<double>{-2e6, -3e6}, -3e6, -999999.0);
+    row("values that are not numbers are passed over", QVector<double>{qQNaN(), 4., qQNaN()}, 4.,
+        4.);
 }
 
 void TableSave::extent_of_the_captured_values()
@@ -251,18 +242,16 @@ void TableSave::first_table_of_a_channel()
 
 void TableSave::type_that_cannot_be_archived_data()
 {
-    QTest::addColumn<int>("table_type");
-    QTest::addColumn<bool>("rewritten");
-    QTest::newRow("SCALED: a table file, no archive record") << 2 << true;
-    QTest::newRow("65535") << 65535 << false;
-    QTest::newRow("5") << 5 << false;
+    const auto row = test_columns<int, bool>("table_type", "rewritten");
+    row("SCALED: a table file, no archive record", 2, true);
+    row("65535", 65535, false);
+    row("5", 5, false);
 }
 
 // Told once; time, type and the history follow all the same.
 void TableSave::type_that_cannot_be_archived()
 {
     QFETCH(int, table_type);
-    QFETCH(bool, rewritten);
     m_cfg->table.table_type = static_cast<uint16_t>(table_type);
     QCOMPARE(save_calibration(m_cfg.get(), SAVE_ADJUSTED), 0);
     QCOMPARE(information_texts(),
@@ -272,7 +261,7 @@ void TableSave::type_that_cannot_be_archived()
     QVERIFY(m_cfg->table.last_cal_time != 1234567);
     QCOMPARE(m_cfg->table.last_save_type, uint16_t{SAVE_ADJUSTED});
     QCOMPARE(read_file(OLD), m_former);
-    QCOMPARE(read_file(TBL) != m_former, rewritten);
+    QTEST(read_file(TBL) != m_former, "rewritten");
     QCOMPARE(m_cfg->table_dirty, uint16_t{0});
 }
 
@@ -356,12 +345,7 @@ void TableSave::name_that_a_shell_would_interpret()
 
 void TableSave::history_command_text_data()
 {
-    QTest::addColumn<QByteArray>("tbl");
-    QTest::addColumn<QByteArray>("old");
-    QTest::addColumn<QByteArray>("command");
-    const auto row = [](const char *name, const char *tbl, const char *old, const char *command) {
-        QTest::newRow(name) << QByteArray(tbl) << QByteArray(old) << QByteArray(command);
-    };
+    const auto row = test_columns<QByteArray, QByteArray, QByteArray>("tbl", "old", "command");
     row("ordinary names stand as they are", "/cell/tables/Flow_1-a.tbl",
         "/cell/tables/Flow_1-a.old", "cat /cell/tables/Flow_1-a.tbl >> /cell/tables/Flow_1-a.old");
     row("a blank is quoted", "/t/a b.tbl", "/t/a b.old", "cat '/t/a b.tbl' >> '/t/a b.old'");

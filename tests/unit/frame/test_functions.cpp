@@ -58,21 +58,19 @@ private slots:
 
 void Functions::nearly_equal_values_data()
 {
-    QTest::addColumn<double>("a");
-    QTest::addColumn<double>("b");
-    QTest::addColumn<bool>("equal");
+    const auto row = test_columns<double, double, bool>("a", "b", "equal");
     const double infinity = std::numeric_limits<double>::infinity();
-    QTest::newRow("the same number") << 12.5 << 12.5 << true;
-    QTest::newRow("zeros of both signs") << 0.0 << -0.0 << true;
-    QTest::newRow("apart by the limit itself") << 1e-6 << 0.0 << true;
-    QTest::newRow("apart by the limit, downwards") << 0.0 << 1e-6 << true;
-    QTest::newRow("just past the limit") << std::nextafter(1e-6, 1.0) << 0.0 << false;
-    QTest::newRow("just past the limit, downwards") << 0.0 << std::nextafter(1e-6, 1.0) << false;
-    QTest::newRow("the limit is absolute, not relative") << 1e9 << 1e9 + 0.001 << false;
-    QTest::newRow("NaN equals nothing") << qQNaN() << 1.0 << false;
-    QTest::newRow("not even NaN") << qQNaN() << qQNaN() << false;
-    QTest::newRow("infinity and a number") << infinity << 1.0 << false;
-    QTest::newRow("two infinities have no difference") << infinity << infinity << false;
+    row("the same number", 12.5, 12.5, true);
+    row("zeros of both signs", 0.0, -0.0, true);
+    row("apart by the limit itself", 1e-6, 0.0, true);
+    row("apart by the limit, downwards", 0.0, 1e-6, true);
+    row("just past the limit", std::nextafter(1e-6, 1.0), 0.0, false);
+    row("just past the limit, downwards", 0.0, std::nextafter(1e-6, 1.0), false);
+    row("the limit is absolute, not relative", 1e9, 1e9 + 0.001, false);
+    row("NaN equals nothing", qQNaN(), 1.0, false);
+    row("not even NaN", qQNaN(), qQNaN(), false);
+    row("infinity and a number", infinity, 1.0, false);
+    row("two infinities have no difference", infinity, infinity, false);
 }
 
 void Functions::nearly_equal_values()
@@ -84,11 +82,7 @@ void Functions::nearly_equal_values()
 
 void Functions::trimmed_text_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("trimmed");
-    const auto row = [](const char *name, const char *text, const char *trimmed) {
-        QTest::newRow(name) << QByteArray(text) << QByteArray(trimmed);
-    };
+    const auto row = test_columns<QByteArray, QByteArray>("text", "trimmed");
     row("nothing to remove", "kPa", "kPa");
     row("trailing spaces", "kPa   ", "kPa");
     row("trailing line feeds", "kPa\n\n", "kPa");
@@ -114,16 +108,15 @@ void Functions::trimmed_text()
 
 void Functions::failure_value_data()
 {
-    QTest::addColumn<int>("result");
-    QTest::addColumn<bool>("failure");
-    QTest::newRow("-1") << -1 << true;
-    QTest::newRow("65535") << 65535 << true;
-    QTest::newRow("only the low 16 bits count") << 0x1ffff << true;
-    QTest::newRow("0") << 0 << false;
-    QTest::newRow("1") << 1 << false;
-    QTest::newRow("65534") << 65534 << false;
-    QTest::newRow("-2") << -2 << false;
-    QTest::newRow("65536 has no low bits") << 65536 << false;
+    const auto row = test_columns<int, bool>("result", "failure");
+    row("-1", -1, true);
+    row("65535", 65535, true);
+    row("only the low 16 bits count", 0x1ffff, true);
+    row("0", 0, false);
+    row("1", 1, false);
+    row("65534", 65534, false);
+    row("-2", -2, false);
+    row("65536 has no low bits", 65536, false);
 }
 
 void Functions::failure_value()
@@ -134,12 +127,11 @@ void Functions::failure_value()
 
 void Functions::value_text_form_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("zero is filled to eight characters") << 0.0 << "  0.0000";
-    QTest::newRow("two digits") << 12.5 << " 12.5000";
-    QTest::newRow("four decimals, rounded") << -1.23456 << " -1.2346";
-    QTest::newRow("longer values take their room") << 123456.78 << "123456.7800";
+    const auto row = test_columns<double, QString>("value", "text");
+    row("zero is filled to eight characters", 0.0, "  0.0000");
+    row("two digits", 12.5, " 12.5000");
+    row("four decimals, rounded", -1.23456, " -1.2346");
+    row("longer values take their room", 123456.78, "123456.7800");
 }
 
 void Functions::value_text_form()
@@ -165,19 +157,16 @@ void Functions::record_text_decoding()
 
 void Functions::bytes_behind_a_shown_text_data()
 {
-    QTest::addColumn<QByteArray>("own");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<QByteArray>("bytes");
+    const auto row = test_columns<QByteArray, QString, QByteArray>("own", "shown", "bytes");
     const QString replaced = QChar(QChar::ReplacementCharacter);
-    QTest::newRow("as it was") << QByteArray("kPa") << "kPa" << QByteArray("kPa");
-    QTest::newRow("as it was, no UTF-8") << QByteArray("\xb0") << replaced << QByteArray("\xb0");
-    QTest::newRow("as it was, a byte order mark")
-        << QByteArray("\xef\xbb\xbfx") << "x" << QByteArray("\xef\xbb\xbfx");
-    QTest::newRow("edited") << QByteArray("\xb0") << QString::fromUtf8("\xc2\xb0")
-                            << QByteArray("\xc2\xb0");
-    QTest::newRow("a blank more") << QByteArray("kPa") << "kPa " << QByteArray("kPa ");
-    QTest::newRow("emptied") << QByteArray("\xb0") << QString() << QByteArray();
-    QTest::newRow("empty before") << QByteArray() << "kPa" << QByteArray("kPa");
+    row("as it was", QByteArray("kPa"), "kPa", QByteArray("kPa"));
+    row("as it was, no UTF-8", QByteArray("\xb0"), replaced, QByteArray("\xb0"));
+    row("as it was, a byte order mark", QByteArray("\xef\xbb\xbfx"), "x",
+        QByteArray("\xef\xbb\xbfx"));
+    row("edited", QByteArray("\xb0"), QString::fromUtf8("\xc2\xb0"), QByteArray("\xc2\xb0"));
+    row("a blank more", QByteArray("kPa"), "kPa ", QByteArray("kPa "));
+    row("emptied", QByteArray("\xb0"), QString(), QByteArray());
+    row("empty before", QByteArray(), "kPa", QByteArray("kPa"));
 }
 
 void Functions::bytes_behind_a_shown_text()
@@ -189,16 +178,12 @@ void Functions::bytes_behind_a_shown_text()
 
 void Functions::style_texts_data()
 {
-    QTest::addColumn<QByteArray>("style");
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("white") << QByteArray(STYLE_WHITE) << QByteArray("background-color: white");
-    QTest::newRow("ready") << QByteArray(STYLE_READY)
-                           << QByteArray("background-color: rgb(126,232,255)");
-    QTest::newRow("idle") << QByteArray(STYLE_IDLE)
-                          << QByteArray("background-color: rgb(238, 238,238)");
-    QTest::newRow("caution") << QByteArray(STYLE_CAUTION) << QByteArray("background-color: yellow");
-    QTest::newRow("no advice") << QByteArray(STYLE_NO_ADVICE)
-                               << QByteArray("background-color: rgb(255,252,239)");
+    const auto row = test_columns<QByteArray, QByteArray>("style", "text");
+    row("white", QByteArray(STYLE_WHITE), QByteArray("background-color: white"));
+    row("ready", QByteArray(STYLE_READY), QByteArray("background-color: rgb(126,232,255)"));
+    row("idle", QByteArray(STYLE_IDLE), QByteArray("background-color: rgb(238, 238,238)"));
+    row("caution", QByteArray(STYLE_CAUTION), QByteArray("background-color: yellow"));
+    row("no advice", QByteArray(STYLE_NO_ADVICE), QByteArray("background-color: rgb(255,252,239)"));
 }
 
 void Functions::style_texts()

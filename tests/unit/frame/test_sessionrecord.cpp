@@ -126,13 +126,11 @@ void SessionRecord::second_pointer_is_what_was_set()
 
 void SessionRecord::dirty_table_is_noticed_data()
 {
-    QTest::addColumn<int>("dirty");
-    QTest::addColumn<int>("unsaved_before");
-    QTest::addColumn<int>("unsaved_after");
-    QTest::newRow("a clean table raises nothing") << 0 << 0 << 0;
-    QTest::newRow("a clean table lowers nothing either") << 0 << 1 << 1;
-    QTest::newRow("a dirty table raises the flag") << 1 << 0 << 1;
-    QTest::newRow("any value but zero is dirty, and returned as it is") << 0x8000 << 0 << 1;
+    const auto row = test_columns<int, int, int>("dirty", "unsaved_before", "unsaved_after");
+    row("a clean table raises nothing", 0, 0, 0);
+    row("a clean table lowers nothing either", 0, 1, 1);
+    row("a dirty table raises the flag", 1, 0, 1);
+    row("any value but zero is dirty, and returned as it is", 0x8000, 0, 1);
 }
 
 void SessionRecord::dirty_table_is_noticed()
@@ -187,13 +185,11 @@ void SessionRecord::table_record_as_the_host_lays_it_out()
 
 void SessionRecord::texts_of_the_table_record_data()
 {
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<int>("size");
-    QTest::addColumn<int>("field_offset");
-    QTest::addColumn<int>("field_size");
+    const auto row =
+        test_columns<int, int, int, int>("offset", "size", "field_offset", "field_size");
 #define TEXT_ROW(field, offset, size)                                                              \
-    QTest::newRow(#field) << (offset) << (size) << static_cast<int>(offsetof(TABLE_RECORD, field)) \
-                          << static_cast<int>(sizeof(TABLE_RECORD::field))
+    row(#field, offset, size, static_cast<int>(offsetof(TABLE_RECORD, field)),                     \
+        static_cast<int>(sizeof(TABLE_RECORD::field)))
     TEXT_ROW(description, 20288, 32);
     TEXT_ROW(qie, 20320, 32);
     TEXT_ROW(verified_by, 20352, 32);
@@ -210,10 +206,9 @@ void SessionRecord::texts_of_the_table_record_data()
 void SessionRecord::texts_of_the_table_record()
 {
     QFETCH(int, offset);
-    QFETCH(int, size);
     QFETCH(int, field_offset);
     QFETCH(int, field_size);
-    QCOMPARE(field_size, size);
+    QTEST(field_size, "size");
     HostBytes bytes;
     bytes.put_text(static_cast<std::size_t>(offset), "a text");
     const auto table = bytes.as<TABLE_RECORD>();
@@ -268,16 +263,14 @@ void SessionRecord::long_table_as_the_host_lays_it_out()
 
 void SessionRecord::range_in_work_follows_the_type_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("range");
-    QTest::newRow("INTERP works with range 0") << 0 << 3 << 0;
-    QTest::newRow("POLY works with range 0") << 1 << 3 << 0;
-    QTest::newRow("POLY_RANGE works with the range of its index") << 7 << 3 << 3;
-    QTest::newRow("POLY_RANGE, last range") << 7 << 7 << 7;
-    QTest::newRow("POLY_RANGE, index too large") << 7 << 8 << 7;
-    QTest::newRow("POLY_RANGE, index negative") << 7 << -1 << 0;
-    QTest::newRow("a type that is not known works with range 0") << 65535 << 3 << 0;
+    const auto row = test_columns<int, int, int>("type", "index", "range");
+    row("INTERP works with range 0", 0, 3, 0);
+    row("POLY works with range 0", 1, 3, 0);
+    row("POLY_RANGE works with the range of its index", 7, 3, 3);
+    row("POLY_RANGE, last range", 7, 7, 7);
+    row("POLY_RANGE, index too large", 7, 8, 7);
+    row("POLY_RANGE, index negative", 7, -1, 0);
+    row("a type that is not known works with range 0", 65535, 3, 0);
 }
 
 void SessionRecord::range_in_work_follows_the_type()
@@ -293,14 +286,13 @@ void SessionRecord::range_in_work_follows_the_type()
 
 void SessionRecord::range_index_stays_within_the_ranges_data()
 {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("used");
-    QTest::newRow("first") << 0 << 0;
-    QTest::newRow("last") << 7 << 7;
-    QTest::newRow("just past the last") << 8 << 7;
-    QTest::newRow("largest") << 32767 << 7;
-    QTest::newRow("just below the first") << -1 << 0;
-    QTest::newRow("smallest") << -32768 << 0;
+    const auto row = test_columns<int, int>("index", "used");
+    row("first", 0, 0);
+    row("last", 7, 7);
+    row("just past the last", 8, 7);
+    row("largest", 32767, 7);
+    row("just below the first", -1, 0);
+    row("smallest", -32768, 0);
 }
 
 void SessionRecord::range_index_stays_within_the_ranges()

@@ -59,27 +59,23 @@ const char *const SENSOR = "channel 0\nunits kPa\ntable t\ninput kPa 0 100\nresp
 
 void CellDescriptionTest::line_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("words");
-    QTest::addColumn<QString>("error");
+    const auto row = test_columns<QString, QStringList, QString>("text", "words", "error");
     const QStringList none;
-    QTest::newRow("empty") << "" << none << "";
-    QTest::newRow("blanks and tabs") << " \t a\t b  " << QStringList{"a", "b"} << "";
-    QTest::newRow("comment") << "a # b c" << QStringList{"a"} << "";
-    QTest::newRow("a # within a word is none") << "a#b" << QStringList{"a#b"} << "";
-    QTest::newRow("quoted") << "a \"b c\" d" << QStringList{"a", "b c", "d"} << "";
-    QTest::newRow("empty text") << "a \"\"" << QStringList{"a", ""} << "";
-    QTest::newRow("quote and backslash") << R"("a\"b\\c\d")" << QStringList{R"(a"b\c\d)"} << "";
-    QTest::newRow("carriage return") << "a b\r" << QStringList{"a", "b"} << "";
-    QTest::newRow("open quote") << "a \"b" << none << "a quote is not closed";
-    QTest::newRow("text runs on") << "\"a\"b" << none
-                                  << "a blank is missing behind a closing quote";
+    row("empty", "", none, "");
+    row("blanks and tabs", " \t a\t b  ", QStringList{"a", "b"}, "");
+    row("comment", "a # b c", QStringList{"a"}, "");
+    row("a # within a word is none", "a#b", QStringList{"a#b"}, "");
+    row("quoted", "a \"b c\" d", QStringList{"a", "b c", "d"}, "");
+    row("empty text", "a \"\"", QStringList{"a", ""}, "");
+    row("quote and backslash", R"("a\"b\\c\d")", QStringList{R"(a"b\c\d)"}, "");
+    row("carriage return", "a b\r", QStringList{"a", "b"}, "");
+    row("open quote", "a \"b", none, "a quote is not closed");
+    row("text runs on", "\"a\"b", none, "a blank is missing behind a closing quote");
 }
 
 void CellDescriptionTest::line()
 {
     QFETCH(QString, text);
-    QFETCH(QStringList, words);
     QFETCH(QString, error);
     std::vector<std::string> found;
     std::string what;
@@ -90,24 +86,22 @@ void CellDescriptionTest::line()
     QStringList list;
     for (const std::string &word : found)
         list.append(QString::fromStdString(word));
-    QCOMPARE(list, words);
+    QTEST(list, "words");
 }
 
 void CellDescriptionTest::number_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("is_number");
-    QTest::addColumn<bool>("is_whole");
-    QTest::newRow("whole") << "12" << true << true;
-    QTest::newRow("negative") << "-1" << true << false;
-    QTest::newRow("beyond the limit") << "101" << true << false;
-    QTest::newRow("on the limit") << "100" << true << true;
-    QTest::newRow("fraction") << "1.5e3" << true << false;
-    QTest::newRow("not a number") << "nan" << true << false;
-    QTest::newRow("empty") << "" << false << false;
-    QTest::newRow("tail") << "1x" << false << false;
-    QTest::newRow("blank before") << " 1" << false << false;
-    QTest::newRow("too long for any integer") << "99999999999999999999" << true << false;
+    const auto row = test_columns<QString, bool, bool>("text", "is_number", "is_whole");
+    row("whole", "12", true, true);
+    row("negative", "-1", true, false);
+    row("beyond the limit", "101", true, false);
+    row("on the limit", "100", true, true);
+    row("fraction", "1.5e3", true, false);
+    row("not a number", "nan", true, false);
+    row("empty", "", false, false);
+    row("tail", "1x", false, false);
+    row("blank before", " 1", false, false);
+    row("too long for any integer", "99999999999999999999", true, false);
 }
 
 void CellDescriptionTest::number()
@@ -297,11 +291,7 @@ void CellDescriptionTest::largest_cell()
 
 void CellDescriptionTest::fault_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("fault");
-    const auto row = [](const char *name, const QString &text, const char *fault) {
-        QTest::newRow(name) << text << QString(fault);
-    };
+    const auto row = test_columns<QString, QString>("text", "fault");
     const QString sensor = SENSOR; // five lines
     row("unknown keyword", "cell A\n\nnonsense 1\n", "cell.txt:3: unknown keyword: nonsense");
     row("open quote", "cell \"A\n", "cell.txt:1: a quote is not closed");

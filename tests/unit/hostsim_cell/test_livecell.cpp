@@ -205,11 +205,7 @@ void LiveCellTest::readings_move_with_the_ticks()
 
 void LiveCellTest::command_data()
 {
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("answer");
-    const auto row = [](const char *name, const char *line, const char *answer) {
-        QTest::newRow(name) << QString(line) << QString(answer);
-    };
+    const auto row = test_columns<QString, QString>("line", "answer");
     row("apply", "apply 0 50", "ok");
     row("apply now", "apply 1 50 now", "ok");
     row("apply beyond the range", "apply 0 -20", "ok");
@@ -253,13 +249,12 @@ void LiveCellTest::apply_takes_the_lag()
 
 void LiveCellTest::held_reading_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("mv");
-    QTest::newRow("to the last bit") << "0.1" << 0.1;
-    QTest::newRow("below 0") << "-12345.678" << -12345.678;
-    QTest::newRow("negative zero") << "-0" << -0.0;
-    QTest::newRow("infinite") << "inf" << std::numeric_limits<double>::infinity();
-    QTest::newRow("not a number") << "nan" << std::numeric_limits<double>::quiet_NaN();
+    const auto row = test_columns<QString, double>("text", "mv");
+    row("to the last bit", "0.1", 0.1);
+    row("below 0", "-12345.678", -12345.678);
+    row("negative zero", "-0", -0.0);
+    row("infinite", "inf", std::numeric_limits<double>::infinity());
+    row("not a number", "nan", std::numeric_limits<double>::quiet_NaN());
 }
 
 void LiveCellTest::held_reading()
@@ -280,11 +275,10 @@ void LiveCellTest::held_reading()
 
 void LiveCellTest::held_reading_is_let_go_data()
 {
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<double>("mv");
-    QTest::newRow("by auto") << "mv 0 auto" << 1000.0;
-    QTest::newRow("by a value applied") << "apply 0 30" << 1500.0;
-    QTest::newRow("by a condition") << "condition 0 drifted3" << 1150.0;
+    const auto row = test_columns<QString, double>("line", "mv");
+    row("by auto", "mv 0 auto", 1000.0);
+    row("by a value applied", "apply 0 30", 1500.0);
+    row("by a condition", "condition 0 drifted3", 1150.0);
 }
 
 void LiveCellTest::held_reading_is_let_go()

@@ -69,19 +69,18 @@ Response polynomial()
 
 void TransducerTest::response_data()
 {
-    QTest::addColumn<int>("curve"); // 0 points, 1 polynomial, 2 none, 3 one point
-    QTest::addColumn<double>("applied");
-    QTest::addColumn<double>("mv");
-    QTest::newRow("on the first point") << 0 << 0.0 << 1.0;
-    QTest::newRow("between two points") << 0 << 5.0 << 1.5;
-    QTest::newRow("on a middle point") << 0 << 10.0 << 2.0;
-    QTest::newRow("on the last point") << 0 << 30.0 << 6.0;
-    QTest::newRow("below the first point it goes straight on") << 0 << -10.0 << 0.0;
-    QTest::newRow("above the last point it goes straight on") << 0 << 40.0 << 8.0;
-    QTest::newRow("polynomial at 0") << 1 << 0.0 << 1.0;
-    QTest::newRow("polynomial at 4") << 1 << 4.0 << 17.0;
-    QTest::newRow("no curve") << 2 << 5.0 << 0.0;
-    QTest::newRow("a single point") << 3 << 5.0 << 7.0;
+    // curve: 0 points, 1 polynomial, 2 none, 3 one point
+    const auto row = test_columns<int, double, double>("curve", "applied", "mv");
+    row("on the first point", 0, 0.0, 1.0);
+    row("between two points", 0, 5.0, 1.5);
+    row("on a middle point", 0, 10.0, 2.0);
+    row("on the last point", 0, 30.0, 6.0);
+    row("below the first point it goes straight on", 0, -10.0, 0.0);
+    row("above the last point it goes straight on", 0, 40.0, 8.0);
+    row("polynomial at 0", 1, 0.0, 1.0);
+    row("polynomial at 4", 1, 4.0, 17.0);
+    row("no curve", 2, 5.0, 0.0);
+    row("a single point", 3, 5.0, 7.0);
 }
 
 void TransducerTest::response()
@@ -120,13 +119,12 @@ void TransducerTest::error_of_the_sensor()
 
 void TransducerTest::drifted_sensor_keeps_its_band_data()
 {
-    QTest::addColumn<int>("condition");
-    QTest::addColumn<double>("above"); // percent of the span
-    QTest::addColumn<double>("not_above");
-    QTest::newRow("good needs no adjustment") << 0 << -1.0 << 0.25;
-    QTest::newRow("drifted1 is out of adjustment") << 1 << 0.25 << 1.0;
-    QTest::newRow("drifted2 is out of tolerance") << 2 << 1.0 << 2.0;
-    QTest::newRow("drifted3 is significantly out of tolerance") << 3 << 2.0 << 100.0;
+    // above: percent of the span
+    const auto row = test_columns<int, double, double>("condition", "above", "not_above");
+    row("good needs no adjustment", 0, -1.0, 0.25);
+    row("drifted1 is out of adjustment", 1, 0.25, 1.0);
+    row("drifted2 is out of tolerance", 2, 1.0, 2.0);
+    row("drifted3 is significantly out of tolerance", 3, 2.0, 100.0);
 }
 
 void TransducerTest::drifted_sensor_keeps_its_band()
@@ -211,12 +209,11 @@ void TransducerTest::jump_ends_the_lag()
 
 void TransducerTest::saturation_data()
 {
-    QTest::addColumn<double>("applied");
-    QTest::addColumn<double>("mv");
-    QTest::newRow("below the lower limit") << -50.0 << -100.0;
-    QTest::newRow("on the lower limit") << -2.0 << -100.0;
-    QTest::newRow("within") << 50.0 << 2500.0;
-    QTest::newRow("above the upper limit") << 1e9 << 5200.0;
+    const auto row = test_columns<double, double>("applied", "mv");
+    row("below the lower limit", -50.0, -100.0);
+    row("on the lower limit", -2.0, -100.0);
+    row("within", 50.0, 2500.0);
+    row("above the upper limit", 1e9, 5200.0);
 }
 
 void TransducerTest::saturation()

@@ -98,27 +98,22 @@ private slots:
 
 void ExactFit::units_in_the_last_place_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<long>("numerator");
-    QTest::addColumn<long>("denominator");
-    QTest::addColumn<long>("exponent");
-    QTest::addColumn<double>("distance");
-    QTest::newRow("equal") << 3.0 << 3L << 1L << 0L << 0.0;
-    QTest::newRow("half a unit above one") << 1.0 << ((1L << 53) + 1) << 1L << -53L << 0.5;
-    QTest::newRow("just below a power of two the unit is halved")
-        << 1.0 << ((1L << 54) - 1) << 1L << -54L << 0.5;
-    QTest::newRow("a third") << 1.0 / 3 << 1L << 3L << 0L << 1.0 / 3;
-    QTest::newRow("another sign") << -1.0 << 1L << 1L << 0L << 0x1p53;
-    QTest::newRow("zero is zero") << 0.0 << 0L << 1L << 0L << 0.0;
-    QTest::newRow("minus zero is zero") << -0.0 << 0L << 1L << 0L << 0.0;
-    QTest::newRow("what should be zero") << LEAST << 0L << 1L << 0L << INFINITE;
-    QTest::newRow("zero for a small number") << 0.0 << 1L << 1L << -200L << 0x1p52;
-    QTest::newRow("subnormal: the unit is the least number")
-        << 2 * LEAST << 3L << 1L << -1074L << 1.0;
-    QTest::newRow("too small for a double") << 0.0 << 1L << 1L << -1076L << 0.25;
-    QTest::newRow("too large for a double") << INFINITE << 1L << 1L << 1024L << 0.0;
-    QTest::newRow("infinity for the largest double") << INFINITE << 1L << 1L << 1023L << INFINITE;
-    QTest::newRow("not a number") << qQNaN() << 1L << 1L << 0L << INFINITE;
+    const auto row = test_columns<double, long, long, long, double>(
+        "value", "numerator", "denominator", "exponent", "distance");
+    row("equal", 3.0, 3L, 1L, 0L, 0.0);
+    row("half a unit above one", 1.0, ((1L << 53) + 1), 1L, -53L, 0.5);
+    row("just below a power of two the unit is halved", 1.0, ((1L << 54) - 1), 1L, -54L, 0.5);
+    row("a third", 1.0 / 3, 1L, 3L, 0L, 1.0 / 3);
+    row("another sign", -1.0, 1L, 1L, 0L, 0x1p53);
+    row("zero is zero", 0.0, 0L, 1L, 0L, 0.0);
+    row("minus zero is zero", -0.0, 0L, 1L, 0L, 0.0);
+    row("what should be zero", LEAST, 0L, 1L, 0L, INFINITE);
+    row("zero for a small number", 0.0, 1L, 1L, -200L, 0x1p52);
+    row("subnormal: the unit is the least number", 2 * LEAST, 3L, 1L, -1074L, 1.0);
+    row("too small for a double", 0.0, 1L, 1L, -1076L, 0.25);
+    row("too large for a double", INFINITE, 1L, 1L, 1024L, 0.0);
+    row("infinity for the largest double", INFINITE, 1L, 1L, 1023L, INFINITE);
+    row("not a number", qQNaN(), 1L, 1L, 0L, INFINITE);
 }
 
 void ExactFit::units_in_the_last_place()
@@ -135,18 +130,13 @@ void ExactFit::units_in_the_last_place()
 
 void ExactFit::fractions_of_small_sets_data()
 {
-    QTest::addColumn<Values>("x");
-    QTest::addColumn<Values>("y");
-    QTest::addColumn<Values>("coeffs");
-    QTest::newRow("line through two points") << Values{0, 10} << Values{1, 21} << Values{1, 2};
-    QTest::newRow("line through three points")
-        << Values{0, 1, 2} << Values{0, 3, 3} << Values{0.5, 1.5};
-    QTest::newRow("fractions and signs")
-        << Values{-0.5, 0.25} << Values{0.5, -1} << Values{-0.5, -2};
-    QTest::newRow("one x: the mean, no slope") << Values{4, 4} << Values{1, 2} << Values{1.5, 0};
-    QTest::newRow("square") << Values{-2, -1, 0, 1, 2} << Values{4, 1, 0, 1, 4} << Values{0, 0, 1};
-    QTest::newRow("the ends of the range")
-        << Values{0, LARGEST} << Values{LEAST, LEAST} << Values{LEAST, 0};
+    const auto row = test_columns<Values, Values, Values>("x", "y", "coeffs");
+    row("line through two points", Values{0, 10}, Values{1, 21}, Values{1, 2});
+    row("line through three points", Values{0, 1, 2}, Values{0, 3, 3}, Values{0.5, 1.5});
+    row("fractions and signs", Values{-0.5, 0.25}, Values{0.5, -1}, Values{-0.5, -2});
+    row("one x: the mean, no slope", Values{4, 4}, Values{1, 2}, Values{1.5, 0});
+    row("square", Values{-2, -1, 0, 1, 2}, Values{4, 1, 0, 1, 4}, Values{0, 0, 1});
+    row("the ends of the range", Values{0, LARGEST}, Values{LEAST, LEAST}, Values{LEAST, 0});
 }
 
 void ExactFit::fractions_of_small_sets()

@@ -45,17 +45,15 @@ Outcome run(const QByteArray &input)
 
 void FitPoly::good_input_data()
 {
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<QByteArray>("output");
+    const auto row = test_columns<QByteArray, QByteArray>("input", "output");
     const QByteArray line = "1.0000000000000000e+00\n2.0000000000000000e+00\n";
-    QTest::newRow("a straight line") << QByteArray("3 2\n0 1\n1 3\n2 5\n") << line;
-    QTest::newRow("no line feed at the end") << QByteArray("2 2\n0 1\n1 3") << line;
-    QTest::newRow("carriage returns, tabs, blank lines")
-        << QByteArray("\n 2\t2 \r\n\r\n0\t1\r\n 1  3\r\n\n") << line;
-    QTest::newRow("exponents and signs") << QByteArray("2 2\n-1e0 -1.0E+0\n+0.1e1 +3\n") << line;
-    QTest::newRow("fewer points than coefficients")
-        << QByteArray("1 2\n7 4\n")
-        << QByteArray("4.0000000000000000e+00\n0.0000000000000000e+00\n");
+    row("a straight line", QByteArray("3 2\n0 1\n1 3\n2 5\n"), line);
+    row("no line feed at the end", QByteArray("2 2\n0 1\n1 3"), line);
+    row("carriage returns, tabs, blank lines", QByteArray("\n 2\t2 \r\n\r\n0\t1\r\n 1  3\r\n\n"),
+        line);
+    row("exponents and signs", QByteArray("2 2\n-1e0 -1.0E+0\n+0.1e1 +3\n"), line);
+    row("fewer points than coefficients", QByteArray("1 2\n7 4\n"),
+        QByteArray("4.0000000000000000e+00\n0.0000000000000000e+00\n"));
 }
 
 void FitPoly::good_input()
@@ -79,34 +77,25 @@ void FitPoly::coefficients_have_17_digits()
 
 void FitPoly::bad_input_data()
 {
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<QByteArray>("reason");
-    QTest::newRow("nothing") << QByteArray() << QByteArray("line 1: no input");
-    QTest::newRow("one number in the first line")
-        << QByteArray("3\n") << QByteArray("line 1: expected \"n k\"");
-    QTest::newRow("no points") << QByteArray("0 2\n") << QByteArray("line 1: expected \"n k\"");
-    QTest::newRow("negative coefficients")
-        << QByteArray("1 -2\n1 1\n") << QByteArray("line 1: expected \"n k\"");
-    QTest::newRow("a count with a fraction")
-        << QByteArray("1.5 2\n1 1\n") << QByteArray("line 1: expected \"n k\"");
-    QTest::newRow("a count beyond all numbers")
-        << QByteArray("99999999999999999999 2\n") << QByteArray("line 1: expected \"n k\"");
-    QTest::newRow("a point short")
-        << QByteArray("3 2\n1 1\n2 2\n") << QByteArray("line 4: the input ends after 2 of 3");
-    QTest::newRow("a line too many")
-        << QByteArray("1 1\n1 1\n2 2\n") << QByteArray("line 3: more lines than the 1 points");
-    QTest::newRow("a word for a number")
-        << QByteArray("1 1\n1 one\n") << QByteArray("line 2: expected \"x y\"");
-    QTest::newRow("a number with a tail")
-        << QByteArray("1 1\n1 1,5\n") << QByteArray("line 2: expected \"x y\"");
-    QTest::newRow("three numbers")
-        << QByteArray("1 1\n1 2 3\n") << QByteArray("line 2: expected \"x y\"");
-    QTest::newRow("not a number") << QByteArray("1 1\nnan 2\n")
-                                  << QByteArray("line 2: expected \"x y\"");
-    QTest::newRow("infinity") << QByteArray("1 1\n1 inf\n")
-                              << QByteArray("line 2: expected \"x y\"");
-    QTest::newRow("two signs") << QByteArray("1 1\n1 +-2\n")
-                               << QByteArray("line 2: expected \"x y\"");
+    const auto row = test_columns<QByteArray, QByteArray>("input", "reason");
+    row("nothing", QByteArray(), QByteArray("line 1: no input"));
+    row("one number in the first line", QByteArray("3\n"), QByteArray("line 1: expected \"n k\""));
+    row("no points", QByteArray("0 2\n"), QByteArray("line 1: expected \"n k\""));
+    row("negative coefficients", QByteArray("1 -2\n1 1\n"), QByteArray("line 1: expected \"n k\""));
+    row("a count with a fraction", QByteArray("1.5 2\n1 1\n"),
+        QByteArray("line 1: expected \"n k\""));
+    row("a count beyond all numbers", QByteArray("99999999999999999999 2\n"),
+        QByteArray("line 1: expected \"n k\""));
+    row("a point short", QByteArray("3 2\n1 1\n2 2\n"),
+        QByteArray("line 4: the input ends after 2 of 3"));
+    row("a line too many", QByteArray("1 1\n1 1\n2 2\n"),
+        QByteArray("line 3: more lines than the 1 points"));
+    row("a word for a number", QByteArray("1 1\n1 one\n"), QByteArray("line 2: expected \"x y\""));
+    row("a number with a tail", QByteArray("1 1\n1 1,5\n"), QByteArray("line 2: expected \"x y\""));
+    row("three numbers", QByteArray("1 1\n1 2 3\n"), QByteArray("line 2: expected \"x y\""));
+    row("not a number", QByteArray("1 1\nnan 2\n"), QByteArray("line 2: expected \"x y\""));
+    row("infinity", QByteArray("1 1\n1 inf\n"), QByteArray("line 2: expected \"x y\""));
+    row("two signs", QByteArray("1 1\n1 +-2\n"), QByteArray("line 2: expected \"x y\""));
 }
 
 void FitPoly::bad_input()

@@ -64,69 +64,63 @@ private slots:
 
 void LongTable::interpolation_data()
 {
-    QTest::addColumn<Values>("x");
-    QTest::addColumn<Values>("y");
-    QTest::addColumn<double>("at");
-    QTest::addColumn<double>("value");
+    const auto row = test_columns<Values, Values, double, double>("x", "y", "at", "value");
     const double infinity = std::numeric_limits<double>::infinity();
 
-    QTest::newRow("no points") << Values{} << Values{} << 5.0 << 0.0;
-    QTest::newRow("no points, NaN") << Values{} << Values{} << qQNaN() << 0.0;
-    QTest::newRow("one point, at it") << Values{5} << Values{8} << 5.0 << 8.0;
-    QTest::newRow("one point, elsewhere") << Values{5} << Values{8} << -100.0 << 8.0;
-    QTest::newRow("one point, NaN") << Values{5} << Values{8} << qQNaN() << 8.0;
-    QTest::newRow("two points, between") << Values{0, 100} << Values{0, 250} << 40.0 << 100.0;
-    QTest::newRow("two points, below") << Values{0, 100} << Values{0, 250} << -4.0 << -10.0;
-    QTest::newRow("two points, above") << Values{0, 100} << Values{0, 250} << 104.0 << 260.0;
-    QTest::newRow("two points, NaN") << Values{0, 100} << Values{0, 250} << qQNaN() << qQNaN();
-    QTest::newRow("minus zero") << Values{0, 100} << Values{3, 250} << -0.0 << 3.0;
+    row("no points", Values{}, Values{}, 5.0, 0.0);
+    row("no points, NaN", Values{}, Values{}, qQNaN(), 0.0);
+    row("one point, at it", Values{5}, Values{8}, 5.0, 8.0);
+    row("one point, elsewhere", Values{5}, Values{8}, -100.0, 8.0);
+    row("one point, NaN", Values{5}, Values{8}, qQNaN(), 8.0);
+    row("two points, between", Values{0, 100}, Values{0, 250}, 40.0, 100.0);
+    row("two points, below", Values{0, 100}, Values{0, 250}, -4.0, -10.0);
+    row("two points, above", Values{0, 100}, Values{0, 250}, 104.0, 260.0);
+    row("two points, NaN", Values{0, 100}, Values{0, 250}, qQNaN(), qQNaN());
+    row("minus zero", Values{0, 100}, Values{3, 250}, -0.0, 3.0);
 
     const Values rising = {0, 10, 20, 40}, y = {0, 5, 25, 35};
-    QTest::newRow("rising, first segment") << rising << y << 4.0 << 2.0;
-    QTest::newRow("rising, middle segment") << rising << y << 15.0 << 15.0;
-    QTest::newRow("rising, last segment") << rising << y << 30.0 << 30.0;
-    QTest::newRow("rising, at an inner point") << rising << y << 20.0 << 25.0;
-    QTest::newRow("rising, below: the first segment goes on") << rising << y << -2.0 << -1.0;
-    QTest::newRow("rising, above: the last segment goes on") << rising << y << 60.0 << 45.0;
-    QTest::newRow("rising, at plus infinity") << rising << y << infinity << infinity;
-    QTest::newRow("rising, at minus infinity") << rising << y << -infinity << -infinity;
+    row("rising, first segment", rising, y, 4.0, 2.0);
+    row("rising, middle segment", rising, y, 15.0, 15.0);
+    row("rising, last segment", rising, y, 30.0, 30.0);
+    row("rising, at an inner point", rising, y, 20.0, 25.0);
+    row("rising, below: the first segment goes on", rising, y, -2.0, -1.0);
+    row("rising, above: the last segment goes on", rising, y, 60.0, 45.0);
+    row("rising, at plus infinity", rising, y, infinity, infinity);
+    row("rising, at minus infinity", rising, y, -infinity, -infinity);
 
     const Values falling = {40, 20, 10, 0}, z = {35, 25, 5, 0};
-    QTest::newRow("falling, first segment") << falling << z << 30.0 << 30.0;
-    QTest::newRow("falling, last segment") << falling << z << 4.0 << 2.0;
-    QTest::newRow("falling, at an inner point") << falling << z << 10.0 << 5.0;
-    QTest::newRow("falling, above: the first segment goes on") << falling << z << 60.0 << 45.0;
-    QTest::newRow("falling, below: the last segment goes on") << falling << z << -2.0 << -1.0;
-    QTest::newRow("falling, at plus infinity") << falling << z << infinity << infinity;
+    row("falling, first segment", falling, z, 30.0, 30.0);
+    row("falling, last segment", falling, z, 4.0, 2.0);
+    row("falling, at an inner point", falling, z, 10.0, 5.0);
+    row("falling, above: the first segment goes on", falling, z, 60.0, 45.0);
+    row("falling, below: the last segment goes on", falling, z, -2.0, -1.0);
+    row("falling, at plus infinity", falling, z, infinity, infinity);
 
-    QTest::newRow("values fall while positions rise")
-        << Values{0, 1, 2} << Values{10, 6, 0} << 1.5 << 3.0;
-    QTest::newRow("level segment") << Values{0, 1, 2} << Values{4, 4, 9} << 0.3 << 4.0;
-    QTest::newRow("level end, at infinity") << Values{0, 1} << Values{4, 4} << infinity << 4.0;
+    row("values fall while positions rise", Values{0, 1, 2}, Values{10, 6, 0}, 1.5, 3.0);
+    row("level segment", Values{0, 1, 2}, Values{4, 4, 9}, 0.3, 4.0);
+    row("level end, at infinity", Values{0, 1}, Values{4, 4}, infinity, 4.0);
 
     const Values turning = {0, 10, 5, 20}, w = {0, 10, 100, 400};
-    QTest::newRow("up and down: the first segment that holds x") << turning << w << 7.0 << 7.0;
-    QTest::newRow("up and down: held by the last alone") << turning << w << 12.5 << 250.0;
-    QTest::newRow("up and down: beyond the last point") << turning << w << 25.0 << 500.0;
-    QTest::newRow("up and down: before the first point") << turning << w << -3.0 << -3.0;
-    QTest::newRow("the last point is inside: above, the larger end is nearer")
-        << Values{30, 40, 10} << Values{0, 10, 70} << 50.0 << 20.0;
-    QTest::newRow("both ends at one place: the first segment")
-        << Values{0, 10, 0} << Values{0, 10, 90} << -1.0 << -1.0;
+    row("up and down: the first segment that holds x", turning, w, 7.0, 7.0);
+    row("up and down: held by the last alone", turning, w, 12.5, 250.0);
+    row("up and down: beyond the last point", turning, w, 25.0, 500.0);
+    row("up and down: before the first point", turning, w, -3.0, -3.0);
+    row("the last point is inside: above, the larger end is nearer", Values{30, 40, 10},
+        Values{0, 10, 70}, 50.0, 20.0);
+    row("both ends at one place: the first segment", Values{0, 10, 0}, Values{0, 10, 90}, -1.0,
+        -1.0);
 
-    QTest::newRow("equal x, at them: the earlier y")
-        << Values{0, 5, 5, 10} << Values{0, 1, 2, 7} << 5.0 << 1.0;
-    QTest::newRow("equal x, just behind: the later segment")
-        << Values{0, 5, 5, 10} << Values{0, 1, 2, 7} << 6.0 << 3.0;
-    QTest::newRow("equal x at the start, below")
-        << Values{5, 5, 10} << Values{1, 2, 7} << 4.0 << 1.0;
-    QTest::newRow("equal x at the end, above") << Values{0, 5, 5} << Values{0, 1, 2} << 6.0 << 1.0;
-    QTest::newRow("all x equal") << Values{5, 5, 5} << Values{1, 2, 3} << 9.0 << 1.0;
-    QTest::newRow("all x equal, at them") << Values{5, 5, 5} << Values{1, 2, 3} << 5.0 << 1.0;
-    QTest::newRow("all points 0") << Values{0, 0} << Values{0, 0} << 1.0 << 0.0;
+    row("equal x, at them: the earlier y", Values{0, 5, 5, 10}, Values{0, 1, 2, 7}, 5.0, 1.0);
+    row("equal x, just behind: the later segment", Values{0, 5, 5, 10}, Values{0, 1, 2, 7}, 6.0,
+        3.0);
+    row("equal x at the start, below", Values{5, 5, 10}, Values{1, 2, 7}, 4.0, 1.0);
+    row("equal x at the end, above", Values{0, 5, 5}, Values{0, 1, 2}, 6.0, 1.0);
+    row("all x equal", Values{5, 5, 5}, Values{1, 2, 3}, 9.0, 1.0);
+    row("all x equal, at them", Values{5, 5, 5}, Values{1, 2, 3}, 5.0, 1.0);
+    row("all points 0", Values{0, 0}, Values{0, 0}, 1.0, 0.0);
 
-    QTest::newRow("huge numbers") << Values{0, 1e200} << Values{0, 1e200} << 5e199 << 5e199;
-    QTest::newRow("tiny numbers") << Values{0, 1e-200} << Values{0, 1e-200} << 5e-201 << 5e-201;
+    row("huge numbers", Values{0, 1e200}, Values{0, 1e200}, 5e199, 5e199);
+    row("tiny numbers", Values{0, 1e-200}, Values{0, 1e-200}, 5e-201, 5e-201);
 }
 
 void LongTable::interpolation()
@@ -177,18 +171,16 @@ void LongTable::the_hint_plays_no_part()
 
 void LongTable::a_count_out_of_range_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<double>("value");
-    QTest::newRow("below 0 is none") << -1 << 0.0;
-    QTest::newRow("lowest") << -32768 << 0.0;
-    QTest::newRow("above 64 is 64") << 65 << 126.0;
-    QTest::newRow("highest") << 32767 << 126.0;
+    const auto row = test_columns<int, double>("count", "value");
+    row("below 0 is none", -1, 0.0);
+    row("lowest", -32768, 0.0);
+    row("above 64 is 64", 65, 126.0);
+    row("highest", 32767, 126.0);
 }
 
 void LongTable::a_count_out_of_range()
 {
     QFETCH(int, count);
-    QFETCH(double, value);
     const auto table = std::make_unique<LONG_TABLE>();
     for (int i = 0; i < TABLE_POINTS; ++i) {
         table->x[i] = i;
@@ -196,7 +188,7 @@ void LongTable::a_count_out_of_range()
     }
     table->num_points = static_cast<int16_t>(count);
     uint16_t hint = 0;
-    QCOMPARE(linear_interp(&hint, table.get(), 0, 63.0), value);
+    QTEST(linear_interp(&hint, table.get(), 0, 63.0), "value");
 }
 
 void LongTable::a_full_table()
@@ -214,17 +206,15 @@ void LongTable::a_full_table()
 
 void LongTable::range_in_work_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("range");
-    QTest::newRow("INTERP reads the first range") << int(TABLE_INTERP) << 3 << 0;
-    QTest::newRow("POLY reads the first range") << int(TABLE_POLY) << 3 << 0;
-    QTest::newRow("SCALED reads the first range") << int(TABLE_SCALED) << 3 << 0;
-    QTest::newRow("POLY_RANGE, range 0") << int(TABLE_POLY_RANGE) << 0 << 0;
-    QTest::newRow("POLY_RANGE, range 3") << int(TABLE_POLY_RANGE) << 3 << 3;
-    QTest::newRow("POLY_RANGE, last range") << int(TABLE_POLY_RANGE) << 7 << 7;
-    QTest::newRow("POLY_RANGE, index too high") << int(TABLE_POLY_RANGE) << 8 << 7;
-    QTest::newRow("POLY_RANGE, index below 0") << int(TABLE_POLY_RANGE) << -1 << 0;
+    const auto row = test_columns<int, int, int>("type", "index", "range");
+    row("INTERP reads the first range", int(TABLE_INTERP), 3, 0);
+    row("POLY reads the first range", int(TABLE_POLY), 3, 0);
+    row("SCALED reads the first range", int(TABLE_SCALED), 3, 0);
+    row("POLY_RANGE, range 0", int(TABLE_POLY_RANGE), 0, 0);
+    row("POLY_RANGE, range 3", int(TABLE_POLY_RANGE), 3, 3);
+    row("POLY_RANGE, last range", int(TABLE_POLY_RANGE), 7, 7);
+    row("POLY_RANGE, index too high", int(TABLE_POLY_RANGE), 8, 7);
+    row("POLY_RANGE, index below 0", int(TABLE_POLY_RANGE), -1, 0);
 }
 
 void LongTable::range_in_work()
@@ -296,14 +286,13 @@ void LongTable::what_stays_as_it_was()
 
 void LongTable::a_count_out_of_range_when_built_data()
 {
-    QTest::addColumn<int>("given");
-    QTest::addColumn<int>("taken");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("below 0") << -1 << 0;
-    QTest::newRow("lowest") << -32768 << 0;
-    QTest::newRow("full") << 64 << 64;
-    QTest::newRow("above 64") << 65 << 64;
-    QTest::newRow("highest") << 32767 << 64;
+    const auto row = test_columns<int, int>("given", "taken");
+    row("none", 0, 0);
+    row("below 0", -1, 0);
+    row("lowest", -32768, 0);
+    row("full", 64, 64);
+    row("above 64", 65, 64);
+    row("highest", 32767, 64);
 }
 
 void LongTable::a_count_out_of_range_when_built()

@@ -162,18 +162,15 @@ void PolynomialFit::certified_sets()
 
 void PolynomialFit::random_points_data()
 {
-    QTest::addColumn<int>("obs");
-    QTest::addColumn<int>("coeff_count");
-    QTest::addColumn<double>("from");
-    QTest::addColumn<double>("to");
-    QTest::newRow("straight line through 5 points") << 5 << 2 << 0.0 << 50.0;
-    QTest::newRow("straight line far from zero") << 20 << 2 << 1.0e6 << 1.0e6 + 1;
-    QTest::newRow("odd number of points") << 11 << 3 << -10.0 << 10.0;
-    QTest::newRow("degree 7 through a full table") << 64 << 8 << 0.0 << 50.0;
-    QTest::newRow("degree 7 about zero") << 64 << 8 << -10.0 << 10.0;
-    QTest::newRow("as many coefficients as points") << 6 << 6 << -2.0 << 3.0;
-    QTest::newRow("one constant") << 64 << 1 << 0.0 << 50.0;
-    QTest::newRow("more points than a table has") << 200 << 5 << 0.0 << 10.0;
+    const auto row = test_columns<int, int, double, double>("obs", "coeff_count", "from", "to");
+    row("straight line through 5 points", 5, 2, 0.0, 50.0);
+    row("straight line far from zero", 20, 2, 1.0e6, 1.0e6 + 1);
+    row("odd number of points", 11, 3, -10.0, 10.0);
+    row("degree 7 through a full table", 64, 8, 0.0, 50.0);
+    row("degree 7 about zero", 64, 8, -10.0, 10.0);
+    row("as many coefficients as points", 6, 6, -2.0, 3.0);
+    row("one constant", 64, 1, 0.0, 50.0);
+    row("more points than a table has", 200, 5, 0.0, 10.0);
 }
 
 void PolynomialFit::random_points()
@@ -202,18 +199,17 @@ void PolynomialFit::random_points()
 
 void PolynomialFit::exact_polynomials_data()
 {
-    QTest::addColumn<Values>("coeffs");
-    QTest::addColumn<Values>("x");
-    QTest::newRow("proportional") << Values{0, 2} << integers(0, 10);
-    QTest::newRow("line with an offset") << Values{-7, 3} << integers(1, 5);
-    QTest::newRow("falling line") << Values{100, -4} << integers(-3, 20);
-    QTest::newRow("line fitted with degree 7") << Values{1, 2, 0, 0, 0, 0, 0, 0} << integers(0, 63);
-    QTest::newRow("all values 0") << Values{0, 0, 0} << integers(0, 9);
-    QTest::newRow("level, with degree 3") << Values{5, 0, 0, 0} << integers(10, 30);
-    QTest::newRow("square only") << Values{0, 0, 1, 0, 0} << integers(5, 25);
-    QTest::newRow("integers up to degree 5") << Values{3, -2, 1, 4, -5, 6} << integers(-8, 12);
-    QTest::newRow("through exactly as many points") << Values{1, 1, 1, 1} << integers(2, 5);
-    QTest::newRow("falling positions") << Values{-1, 0.5} << Values{9, 7, 5, 1, -3};
+    const auto row = test_columns<Values, Values>("coeffs", "x");
+    row("proportional", Values{0, 2}, integers(0, 10));
+    row("line with an offset", Values{-7, 3}, integers(1, 5));
+    row("falling line", Values{100, -4}, integers(-3, 20));
+    row("line fitted with degree 7", Values{1, 2, 0, 0, 0, 0, 0, 0}, integers(0, 63));
+    row("all values 0", Values{0, 0, 0}, integers(0, 9));
+    row("level, with degree 3", Values{5, 0, 0, 0}, integers(10, 30));
+    row("square only", Values{0, 0, 1, 0, 0}, integers(5, 25));
+    row("integers up to degree 5", Values{3, -2, 1, 4, -5, 6}, integers(-8, 12));
+    row("through exactly as many points", Values{1, 1, 1, 1}, integers(2, 5));
+    row("falling positions", Values{-1, 0.5}, Values{9, 7, 5, 1, -3});
 }
 
 void PolynomialFit::exact_polynomials()
@@ -230,18 +226,16 @@ void PolynomialFit::exact_polynomials()
 
 void PolynomialFit::undetermined_degrees_data()
 {
-    QTest::addColumn<Values>("x");
-    QTest::addColumn<Values>("y");
-    QTest::addColumn<Values>("coeffs");
-    QTest::newRow("one point: its y") << Values{4} << Values{7.5} << Values{7.5, 0, 0};
-    QTest::newRow("one x: the mean") << Values{4, 4, 4} << Values{1, 2, 6} << Values{3, 0, 0, 0};
-    QTest::newRow("all points at 0") << Values{0, 0} << Values{1, 2} << Values{1.5, 0};
-    QTest::newRow("two points, degree 3") << Values{0, 10} << Values{1, 21} << Values{1, 2, 0, 0};
-    QTest::newRow("two distinct x among four: the line through the means")
-        << Values{1, 3, 1, 3} << Values{0, 4, 2, 6} << Values{-1, 2, 0};
-    QTest::newRow("three points in no order, degree 4")
-        << Values{2, 0, 1} << Values{4, 0, 1} << Values{0, 0, 1, 0, 0};
-    QTest::newRow("one coefficient: the mean") << Values{1, 2, 3} << Values{3, 5, 10} << Values{6};
+    const auto row = test_columns<Values, Values, Values>("x", "y", "coeffs");
+    row("one point: its y", Values{4}, Values{7.5}, Values{7.5, 0, 0});
+    row("one x: the mean", Values{4, 4, 4}, Values{1, 2, 6}, Values{3, 0, 0, 0});
+    row("all points at 0", Values{0, 0}, Values{1, 2}, Values{1.5, 0});
+    row("two points, degree 3", Values{0, 10}, Values{1, 21}, Values{1, 2, 0, 0});
+    row("two distinct x among four: the line through the means", Values{1, 3, 1, 3},
+        Values{0, 4, 2, 6}, Values{-1, 2, 0});
+    row("three points in no order, degree 4", Values{2, 0, 1}, Values{4, 0, 1},
+        Values{0, 0, 1, 0, 0});
+    row("one coefficient: the mean", Values{1, 2, 3}, Values{3, 5, 10}, Values{6});
 }
 
 void PolynomialFit::undetermined_degrees()
@@ -256,17 +250,15 @@ void PolynomialFit::undetermined_degrees()
 
 void PolynomialFit::unusable_input_data()
 {
-    QTest::addColumn<Values>("x");
-    QTest::addColumn<Values>("y");
-    QTest::addColumn<bool>("nan");
+    const auto row = test_columns<Values, Values, bool>("x", "y", "nan");
     const double infinity = std::numeric_limits<double>::infinity();
-    QTest::newRow("no points") << Values{} << Values{} << false;
-    QTest::newRow("NaN in x") << Values{1, qQNaN(), 3} << Values{1, 2, 3} << true;
-    QTest::newRow("NaN in y") << Values{1, 2, 3} << Values{1, 2, qQNaN()} << true;
-    QTest::newRow("infinite x") << Values{infinity, 2, 3} << Values{1, 2, 3} << true;
-    QTest::newRow("infinite y") << Values{1, 2, 3} << Values{-infinity, 2, 3} << true;
-    QTest::newRow("infinities that cancel") << Values{1, 2} << Values{-infinity, infinity} << true;
-    QTest::newRow("one point, not a number") << Values{qQNaN()} << Values{1} << true;
+    row("no points", Values{}, Values{}, false);
+    row("NaN in x", Values{1, qQNaN(), 3}, Values{1, 2, 3}, true);
+    row("NaN in y", Values{1, 2, 3}, Values{1, 2, qQNaN()}, true);
+    row("infinite x", Values{infinity, 2, 3}, Values{1, 2, 3}, true);
+    row("infinite y", Values{1, 2, 3}, Values{-infinity, 2, 3}, true);
+    row("infinities that cancel", Values{1, 2}, Values{-infinity, infinity}, true);
+    row("one point, not a number", Values{qQNaN()}, Values{1}, true);
 }
 
 void PolynomialFit::unusable_input()
@@ -298,14 +290,13 @@ void PolynomialFit::no_coefficients()
 // The same data in other units: powers of two, so the result scales exactly.
 void PolynomialFit::magnitudes_data()
 {
-    QTest::addColumn<int>("x_exponent");
-    QTest::addColumn<int>("y_exponent");
-    QTest::newRow("huge values") << 0 << 1015;
-    QTest::newRow("tiny values") << 0 << -1000;
-    QTest::newRow("huge positions") << 330 << 0;
-    QTest::newRow("tiny positions") << -330 << 0;
-    QTest::newRow("positions at the top of the range") << 1018 << 1018;
-    QTest::newRow("both tiny") << -340 << -700;
+    const auto row = test_columns<int, int>("x_exponent", "y_exponent");
+    row("huge values", 0, 1015);
+    row("tiny values", 0, -1000);
+    row("huge positions", 330, 0);
+    row("tiny positions", -330, 0);
+    row("positions at the top of the range", 1018, 1018);
+    row("both tiny", -340, -700);
 }
 
 void PolynomialFit::magnitudes()

@@ -38,16 +38,14 @@ private slots:
 
 void Polynomials::value_data()
 {
-    QTest::addColumn<Values>("coeffs");
-    QTest::addColumn<double>("x");
-    QTest::addColumn<double>("value");
-    QTest::newRow("no coefficients") << Values{} << 3.0 << 0.0;
-    QTest::newRow("a constant") << Values{5} << 3.0 << 5.0;
-    QTest::newRow("lowest power first") << Values{1, 10, 100} << 3.0 << 931.0;
-    QTest::newRow("at 0") << Values{-4, 7, 9} << 0.0 << -4.0;
-    QTest::newRow("negative x") << Values{0, 0, 0, 2} << -2.0 << -16.0;
-    QTest::newRow("eight coefficients") << Values{1, 1, 1, 1, 1, 1, 1, 1} << 2.0 << 255.0;
-    QTest::newRow("NaN x") << Values{1, 1} << qQNaN() << qQNaN();
+    const auto row = test_columns<Values, double, double>("coeffs", "x", "value");
+    row("no coefficients", Values{}, 3.0, 0.0);
+    row("a constant", Values{5}, 3.0, 5.0);
+    row("lowest power first", Values{1, 10, 100}, 3.0, 931.0);
+    row("at 0", Values{-4, 7, 9}, 0.0, -4.0);
+    row("negative x", Values{0, 0, 0, 2}, -2.0, -16.0);
+    row("eight coefficients", Values{1, 1, 1, 1, 1, 1, 1, 1}, 2.0, 255.0);
+    row("NaN x", Values{1, 1}, qQNaN(), qQNaN());
 }
 
 void Polynomials::value()
@@ -61,16 +59,13 @@ void Polynomials::value()
 
 void Polynomials::samples_data()
 {
-    QTest::addColumn<int>("intervals");
-    QTest::addColumn<double>("from");
-    QTest::addColumn<double>("to");
-    QTest::addColumn<Values>("x");
-    QTest::newRow("four equal steps") << 4 << 0.0 << 10.0 << Values{0, 2.5, 5, 7.5, 10};
-    QTest::newRow("one interval: both ends") << 1 << -3.0 << 8.0 << Values{-3, 8};
-    QTest::newRow("falling") << 2 << 6.0 << 2.0 << Values{6, 4, 2};
-    QTest::newRow("no length") << 2 << 5.0 << 5.0 << Values{5, 5, 5};
-    QTest::newRow("no intervals: the start alone") << 0 << 1.0 << 9.0 << Values{1};
-    QTest::newRow("negative intervals: the start alone") << -5 << 1.0 << 9.0 << Values{1};
+    const auto row = test_columns<int, double, double, Values>("intervals", "from", "to", "x");
+    row("four equal steps", 4, 0.0, 10.0, Values{0, 2.5, 5, 7.5, 10});
+    row("one interval: both ends", 1, -3.0, 8.0, Values{-3, 8});
+    row("falling", 2, 6.0, 2.0, Values{6, 4, 2});
+    row("no length", 2, 5.0, 5.0, Values{5, 5, 5});
+    row("no intervals: the start alone", 0, 1.0, 9.0, Values{1});
+    row("negative intervals: the start alone", -5, 1.0, 9.0, Values{1});
 }
 
 void Polynomials::samples()
@@ -106,29 +101,25 @@ void Polynomials::the_last_sample_is_at_the_end()
 
 void Polynomials::r_squared_data()
 {
-    QTest::addColumn<Values>("x");
-    QTest::addColumn<Values>("y");
-    QTest::addColumn<Values>("coeffs");
-    QTest::addColumn<double>("expected");
+    const auto row = test_columns<Values, Values, Values, double>("x", "y", "coeffs", "expected");
     const Values x = {1, 2, 3};
-    QTest::newRow("every point met") << x << Values{3, 5, 7} << Values{1, 2} << 1.0;
-    QTest::newRow("the mean explains nothing") << x << Values{3, 5, 7} << Values{5} << 0.0;
-    QTest::newRow("a quarter explained") << x << Values{0, 2, 1} << Values{0, 0.5} << 0.25;
-    QTest::newRow("worse than the mean") << x << Values{1, 2, 3} << Values{4} << -6.0;
-    QTest::newRow("far from zero")
-        << x << Values{1e9 + 1, 1e9 + 2, 1e9 + 3} << Values{1e9 + 2} << 0.0;
-    QTest::newRow("huge values") << x << Values{3e300, 5e300, 7e300} << Values{5e300} << 0.0;
-    QTest::newRow("tiny values") << x << Values{3e-300, 5e-300, 7e-300} << Values{5e-300} << 0.0;
-    QTest::newRow("equal values, met") << x << Values{4, 4, 4} << Values{4} << 1.0;
-    QTest::newRow("equal values, missed") << x << Values{4, 4, 4} << Values{5} << 0.0;
-    QTest::newRow("one point, met") << Values{2} << Values{5} << Values{1, 2} << 1.0;
-    QTest::newRow("one point, missed") << Values{2} << Values{6} << Values{1, 2} << 0.0;
-    QTest::newRow("equal values that no double divides evenly, met")
-        << x << Values{0.1, 0.1, 0.1} << Values{0.1} << 1.0;
-    QTest::newRow("no pairs") << Values{} << Values{} << Values{1} << 0.0;
-    QTest::newRow("no coefficients: all about 0") << x << Values{-1, 0, 1} << Values{} << 0.0;
-    QTest::newRow("NaN among the values") << x << Values{1, qQNaN(), 3} << Values{1} << qQNaN();
-    QTest::newRow("NaN throughout") << x << Values(3, qQNaN()) << Values{1} << qQNaN();
+    row("every point met", x, Values{3, 5, 7}, Values{1, 2}, 1.0);
+    row("the mean explains nothing", x, Values{3, 5, 7}, Values{5}, 0.0);
+    row("a quarter explained", x, Values{0, 2, 1}, Values{0, 0.5}, 0.25);
+    row("worse than the mean", x, Values{1, 2, 3}, Values{4}, -6.0);
+    row("far from zero", x, Values{1e9 + 1, 1e9 + 2, 1e9 + 3}, Values{1e9 + 2}, 0.0);
+    row("huge values", x, Values{3e300, 5e300, 7e300}, Values{5e300}, 0.0);
+    row("tiny values", x, Values{3e-300, 5e-300, 7e-300}, Values{5e-300}, 0.0);
+    row("equal values, met", x, Values{4, 4, 4}, Values{4}, 1.0);
+    row("equal values, missed", x, Values{4, 4, 4}, Values{5}, 0.0);
+    row("one point, met", Values{2}, Values{5}, Values{1, 2}, 1.0);
+    row("one point, missed", Values{2}, Values{6}, Values{1, 2}, 0.0);
+    row("equal values that no double divides evenly, met", x, Values{0.1, 0.1, 0.1}, Values{0.1},
+        1.0);
+    row("no pairs", Values{}, Values{}, Values{1}, 0.0);
+    row("no coefficients: all about 0", x, Values{-1, 0, 1}, Values{}, 0.0);
+    row("NaN among the values", x, Values{1, qQNaN(), 3}, Values{1}, qQNaN());
+    row("NaN throughout", x, Values(3, qQNaN()), Values{1}, qQNaN());
 }
 
 void Polynomials::r_squared()

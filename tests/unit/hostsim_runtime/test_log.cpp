@@ -76,19 +76,17 @@ void Log::fields_read_back()
 
 void Log::text_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("stands");
-    QTest::newRow("plain") << QByteArray("No file") << QByteArray("No file");
-    QTest::newRow("empty") << QByteArray() << QByteArray();
-    QTest::newRow("line feed") << QByteArray("one\ntwo") << QByteArray("one\\ntwo");
-    QTest::newRow("carriage return and tab") << QByteArray("\r\t") << QByteArray("\\r\\t");
-    QTest::newRow("backslash") << QByteArray("a\\nb") << QByteArray("a\\\\nb");
-    QTest::newRow("escape sequence of a terminal")
-        << QByteArray("\x1b[31m") << QByteArray("\\x1b[31m");
-    QTest::newRow("delete") << QByteArray("\x7f") << QByteArray("\\x7f");
-    QTest::newRow("UTF-8") << QByteArray("25 °C, Ω") << QByteArray("25 °C, Ω");
-    QTest::newRow("not UTF-8") << QByteArray("\xff\xc3(") << QByteArray("\xff\xc3(");
-    QTest::newRow("leading blanks") << QByteArray("  x ") << QByteArray("  x ");
+    const auto row = test_columns<QByteArray, QByteArray>("text", "stands");
+    row("plain", QByteArray("No file"), QByteArray("No file"));
+    row("empty", QByteArray(), QByteArray());
+    row("line feed", QByteArray("one\ntwo"), QByteArray("one\\ntwo"));
+    row("carriage return and tab", QByteArray("\r\t"), QByteArray("\\r\\t"));
+    row("backslash", QByteArray("a\\nb"), QByteArray("a\\\\nb"));
+    row("escape sequence of a terminal", QByteArray("\x1b[31m"), QByteArray("\\x1b[31m"));
+    row("delete", QByteArray("\x7f"), QByteArray("\\x7f"));
+    row("UTF-8", QByteArray("25 °C, Ω"), QByteArray("25 °C, Ω"));
+    row("not UTF-8", QByteArray("\xff\xc3("), QByteArray("\xff\xc3("));
+    row("leading blanks", QByteArray("  x "), QByteArray("  x "));
 }
 
 void Log::text()

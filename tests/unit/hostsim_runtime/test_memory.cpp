@@ -293,8 +293,7 @@ void Memory::death_while_sampling_is_logged_once()
 
 void Memory::memory_cut_short_is_survived_data()
 {
-    QTest::addColumn<int>("id");
-    QTest::addColumn<int>("left");
+    test_columns<int, int>("id", "left");
     for (const int id : {1, 3, 5, 6, 31, 43}) {
         for (const int left : {0, 64, 5000, 8192})
             QTest::addRow("memory %d, %d bytes left", id, left) << id << left;
@@ -503,27 +502,24 @@ void Memory::link_answers_for_other_memories()
 
 void Memory::catalogue_must_end_within_its_memory_data()
 {
-    QTest::addColumn<int>("records");
-    QTest::addColumn<int>("used");
-    QTest::addColumn<bool>("linked");
-    QTest::newRow("all 700 in use") << 700 << 700 << true;
-    QTest::newRow("ended by a blank one") << 700 << 699 << true;
-    QTest::newRow("short, ended by a blank one") << 10 << 9 << true;
-    QTest::newRow("short, all in use") << 10 << 10 << false;
-    QTest::newRow("no record") << 0 << 0 << false;
+    const auto row = test_columns<int, int, bool>("records", "used", "linked");
+    row("all 700 in use", 700, 700, true);
+    row("ended by a blank one", 700, 699, true);
+    row("short, ended by a blank one", 10, 9, true);
+    row("short, all in use", 10, 10, false);
+    row("no record", 0, 0, false);
 }
 
 void Memory::catalogue_must_end_within_its_memory()
 {
     QFETCH(int, records);
     QFETCH(int, used);
-    QFETCH(bool, linked);
     const std::size_t size = static_cast<std::size_t>(records) * sizeof(UNIT_RECORD);
     auto *catalogue =
         static_cast<UNIT_RECORD *>(publish_memory(MEMORY_UNITS, size, fill_units, &used));
     QVERIFY(catalogue != nullptr);
     void *pointer = nullptr;
-    QCOMPARE(link_to_memory(MEMORY_UNITS, &pointer) != 0, linked);
+    QTEST(link_to_memory(MEMORY_UNITS, &pointer) != 0, "linked");
     if (used > 0) {
         memset(catalogue[0].keyword, 'x', sizeof catalogue[0].keyword);
         QCOMPARE(link_to_memory(MEMORY_UNITS, &pointer), 0); // keyword without an end

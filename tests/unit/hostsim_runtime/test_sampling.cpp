@@ -122,26 +122,22 @@ void Sampling::fifo_of_one_holds_the_last()
 
 void Sampling::members_data()
 {
-    QTest::addColumn<QVector<double>>("samples");
-    QTest::addColumn<double>("mean");
-    QTest::addColumn<double>("minimum");
-    QTest::addColumn<double>("maximum");
-    QTest::addColumn<double>("deviation");
-    QTest::newRow("one sample") << QVector<double>{4.5} << 4.5 << 4.5 << 4.5 << 0.0;
-    QTest::newRow("two samples") << QVector<double>{1.0, 3.0} << 2.0 << 1.0 << 3.0
-                                 << std::sqrt(2.0);
-    QTest::newRow("three") << QVector<double>{1.0, 2.0, 3.0} << 2.0 << 1.0 << 3.0 << 1.0;
-    QTest::newRow("five, the extremes last")
-        << QVector<double>{2.0, 2.0, 2.0, 0.0, 4.0} << 2.0 << 0.0 << 4.0 << std::sqrt(2.0);
-    QTest::newRow("below zero") << QVector<double>{-1.0, -2.0, -3.0, -4.0} << -2.5 << -4.0 << -1.0
-                                << std::sqrt(5.0 / 3.0);
+    const auto row = test_columns<QVector<double>, double, double, double, double>(
+        "samples", "mean", "minimum", "maximum", "deviation");
+    row("one sample", QVector<double>{4.5}, 4.5, 4.5, 4.5, 0.0);
+    row("two samples", QVector<double>{1.0, 3.0}, 2.0, 1.0, 3.0, std::sqrt(2.0));
+    row("three", QVector<double>{1.0, 2.0, 3.0}, 2.0, 1.0, 3.0, 1.0);
+    row("five, the extremes last", QVector<double>{2.0, 2.0, 2.0, 0.0, 4.0}, 2.0, 0.0, 4.0,
+        std::sqrt(2.0));
+    row("below zero", QVector<double>{-1.0, -2.0, -3.0, -4.0}, -2.5, -4.0, -1.0,
+        std::sqrt(5.0 / 3.0));
     QVector<double> ramp;
     for (int i = 1; i <= 300; ++i)
         ramp.append(i);
-    QTest::newRow("300 samples of a ramp") << ramp << 150.5 << 1.0 << 300.0 << std::sqrt(7525.0);
+    row("300 samples of a ramp", ramp, 150.5, 1.0, 300.0, std::sqrt(7525.0));
     QVector<double> spike(299, 7.0);
     spike.append(307.0);
-    QTest::newRow("a spike at the end") << spike << 8.0 << 7.0 << 307.0 << std::sqrt(300.0);
+    row("a spike at the end", spike, 8.0, 7.0, 307.0, std::sqrt(300.0));
 }
 
 void Sampling::members()
@@ -221,16 +217,12 @@ void Sampling::the_mean_lies_between_the_samples()
 
 void Sampling::samples_that_are_no_numbers_data()
 {
-    QTest::addColumn<QVector<double>>("samples");
-    QTest::addColumn<double>("minimum");
-    QTest::addColumn<double>("maximum");
-    QTest::newRow("the first") << QVector<double>{qQNaN(), 1.0, 2.0} << 1.0 << 2.0;
-    QTest::newRow("one in the middle")
-        << QVector<double>{1.0, 2.0, qQNaN(), 3.0, 4.0} << 1.0 << 4.0;
-    QTest::newRow("among equal ones") << QVector<double>{5.0, 5.0, qQNaN()} << 5.0 << 5.0;
-    QTest::newRow("all of them") << QVector<double>{qQNaN(), qQNaN()} << qQNaN() << qQNaN();
-    QTest::newRow("both infinities")
-        << QVector<double>{infinity, -infinity} << -infinity << infinity;
+    const auto row = test_columns<QVector<double>, double, double>("samples", "minimum", "maximum");
+    row("the first", QVector<double>{qQNaN(), 1.0, 2.0}, 1.0, 2.0);
+    row("one in the middle", QVector<double>{1.0, 2.0, qQNaN(), 3.0, 4.0}, 1.0, 4.0);
+    row("among equal ones", QVector<double>{5.0, 5.0, qQNaN()}, 5.0, 5.0);
+    row("all of them", QVector<double>{qQNaN(), qQNaN()}, qQNaN(), qQNaN());
+    row("both infinities", QVector<double>{infinity, -infinity}, -infinity, infinity);
 }
 
 void Sampling::samples_that_are_no_numbers()

@@ -34,34 +34,28 @@ private slots:
 
 void Services::copyn_copies_whole_characters_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("size");
-    QTest::addColumn<QByteArray>("copy");
-    QTest::addColumn<bool>("overflow");
-    QTest::newRow("shorter than the room") << QByteArray("abc") << 8 << QByteArray("abc") << false;
-    QTest::newRow("fills the room") << QByteArray("abc") << 4 << QByteArray("abc") << false;
-    QTest::newRow("one byte too long") << QByteArray("abcd") << 4 << QByteArray("abc") << true;
-    QTest::newRow("empty") << QByteArray("") << 4 << QByteArray("") << false;
-    QTest::newRow("room for the terminator only") << QByteArray("a") << 1 << QByteArray("") << true;
-    QTest::newRow("empty into one byte") << QByteArray("") << 1 << QByteArray("") << false;
-    QTest::newRow("two bytes, cut within") << QByteArray("a°b") << 3 << QByteArray("a") << true;
-    QTest::newRow("two bytes, cut behind") << QByteArray("a°b") << 4 << QByteArray("a°") << true;
-    QTest::newRow("two bytes, end with the room")
-        << QByteArray("a°") << 4 << QByteArray("a°") << false;
-    QTest::newRow("three bytes, cut after one") << QByteArray("a€") << 3 << QByteArray("a") << true;
-    QTest::newRow("three bytes, cut after two") << QByteArray("a€") << 4 << QByteArray("a") << true;
-    QTest::newRow("four bytes, cut after one")
-        << QByteArray("a\xF0\x9F\x98\x80") << 3 << QByteArray("a") << true;
-    QTest::newRow("four bytes, cut after three")
-        << QByteArray("a\xF0\x9F\x98\x80") << 5 << QByteArray("a") << true;
-    QTest::newRow("bytes that are no UTF-8 are kept")
-        << QByteArray("\xff\x80\xfe") << 8 << QByteArray("\xff\x80\xfe") << false;
-    QTest::newRow("cut among continuation bytes without a lead")
-        << QByteArray("ab\x80\x80\x80\x80\x80") << 6 << QByteArray("ab\x80\x80\x80") << true;
-    QTest::newRow("a lead byte without its continuation is a byte")
-        << QByteArray("a\xC3x") << 3 << QByteArray("a\xC3") << true;
-    QTest::newRow("nothing but one character that does not fit")
-        << QByteArray("€") << 3 << QByteArray("") << true;
+    const auto row =
+        test_columns<QByteArray, int, QByteArray, bool>("text", "size", "copy", "overflow");
+    row("shorter than the room", QByteArray("abc"), 8, QByteArray("abc"), false);
+    row("fills the room", QByteArray("abc"), 4, QByteArray("abc"), false);
+    row("one byte too long", QByteArray("abcd"), 4, QByteArray("abc"), true);
+    row("empty", QByteArray(""), 4, QByteArray(""), false);
+    row("room for the terminator only", QByteArray("a"), 1, QByteArray(""), true);
+    row("empty into one byte", QByteArray(""), 1, QByteArray(""), false);
+    row("two bytes, cut within", QByteArray("a°b"), 3, QByteArray("a"), true);
+    row("two bytes, cut behind", QByteArray("a°b"), 4, QByteArray("a°"), true);
+    row("two bytes, end with the room", QByteArray("a°"), 4, QByteArray("a°"), false);
+    row("three bytes, cut after one", QByteArray("a€"), 3, QByteArray("a"), true);
+    row("three bytes, cut after two", QByteArray("a€"), 4, QByteArray("a"), true);
+    row("four bytes, cut after one", QByteArray("a\xF0\x9F\x98\x80"), 3, QByteArray("a"), true);
+    row("four bytes, cut after three", QByteArray("a\xF0\x9F\x98\x80"), 5, QByteArray("a"), true);
+    row("bytes that are no UTF-8 are kept", QByteArray("\xff\x80\xfe"), 8,
+        QByteArray("\xff\x80\xfe"), false);
+    row("cut among continuation bytes without a lead", QByteArray("ab\x80\x80\x80\x80\x80"), 6,
+        QByteArray("ab\x80\x80\x80"), true);
+    row("a lead byte without its continuation is a byte", QByteArray("a\xC3x"), 3,
+        QByteArray("a\xC3"), true);
+    row("nothing but one character that does not fit", QByteArray("€"), 3, QByteArray(""), true);
 }
 
 void Services::copyn_copies_whole_characters()
@@ -128,36 +122,27 @@ void Services::copyn_logs_the_callers_place()
 
 void Services::string_blank_knows_blanks_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("blank");
-    QTest::newRow("empty") << QByteArray("") << true;
-    QTest::newRow("a space") << QByteArray(" ") << true;
-    QTest::newRow("tabs and line ends") << QByteArray("\t\r\n \v\f") << true;
-    QTest::newRow("a letter") << QByteArray("a") << false;
-    QTest::newRow("a letter behind spaces") << QByteArray("   a") << false;
-    QTest::newRow("a control character") << QByteArray("\x01") << false;
-    QTest::newRow("beyond ASCII") << QByteArray("°") << false;
+    const auto row = test_columns<QByteArray, bool>("text", "blank");
+    row("empty", QByteArray(""), true);
+    row("a space", QByteArray(" "), true);
+    row("tabs and line ends", QByteArray("\t\r\n \v\f"), true);
+    row("a letter", QByteArray("a"), false);
+    row("a letter behind spaces", QByteArray("   a"), false);
+    row("a control character", QByteArray("\x01"), false);
+    row("beyond ASCII", QByteArray("°"), false);
 }
 
 void Services::string_blank_knows_blanks()
 {
     QFETCH(QByteArray, text);
-    QFETCH(bool, blank);
-    QCOMPARE(string_blank(text.constData()) != 0, blank);
+    QTEST(string_blank(text.constData()) != 0, "blank");
     QVERIFY(string_blank(nullptr) != 0);
 }
 
 void Services::splitpath_takes_a_path_apart_data()
 {
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<QByteArray>("directory");
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QByteArray>("extension");
-    const auto row = [](const char *title, const char *path, const char *directory,
-                        const char *name, const char *extension) {
-        QTest::newRow(title) << QByteArray(path) << QByteArray(directory) << QByteArray(name)
-                             << QByteArray(extension);
-    };
+    const auto row = test_columns<QByteArray, QByteArray, QByteArray, QByteArray>(
+        "path", "directory", "name", "extension");
     row("table file", "/cell/tables/oil_temp.tbl", "/cell/tables/", "oil_temp", ".tbl");
     row("the last dot counts", "/cell/tables/a.b.save", "/cell/tables/", "a.b", ".save");
     row("no extension", "/cell/tables/name", "/cell/tables/", "name", "");

@@ -82,21 +82,19 @@ void Catalogue::columns_read()
 
 void Catalogue::faults_data()
 {
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<QByteArray>("fault");
-    QTest::newRow("keyword of 16 bytes") << QByteArray("ABCDEFGHIJKLMNOP 1 length m")
-                                         << QByteArray("the keyword is longer than 15 bytes");
-    QTest::newRow("keyword only") << QByteArray("FT") << QByteArray("the code is not a number");
-    QTest::newRow("code with letters")
-        << QByteArray("FT 1x length m") << QByteArray("the code is not a number");
-    QTest::newRow("code too large")
-        << QByteArray("FT 99999999999 length m") << QByteArray("the code is not a number");
-    QTest::newRow("no expression")
-        << QByteArray("FT 1 length") << QByteArray("dimension or expression is missing");
-    QTest::newRow("the same keyword again")
-        << QByteArray("Good 1 length m") << QByteArray("the keyword stands there already");
-    QTest::newRow("the same in other case")
-        << QByteArray("gOOD 1 length m") << QByteArray("the keyword stands there already");
+    const auto row = test_columns<QByteArray, QByteArray>("line", "fault");
+    row("keyword of 16 bytes", QByteArray("ABCDEFGHIJKLMNOP 1 length m"),
+        QByteArray("the keyword is longer than 15 bytes"));
+    row("keyword only", QByteArray("FT"), QByteArray("the code is not a number"));
+    row("code with letters", QByteArray("FT 1x length m"), QByteArray("the code is not a number"));
+    row("code too large", QByteArray("FT 99999999999 length m"),
+        QByteArray("the code is not a number"));
+    row("no expression", QByteArray("FT 1 length"),
+        QByteArray("dimension or expression is missing"));
+    row("the same keyword again", QByteArray("Good 1 length m"),
+        QByteArray("the keyword stands there already"));
+    row("the same in other case", QByteArray("gOOD 1 length m"),
+        QByteArray("the keyword stands there already"));
 }
 
 void Catalogue::faults()

@@ -92,14 +92,8 @@ private slots:
 
 void UnitService::conversions_that_people_know_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<double>("result");
-    const auto row = [](const char *title, const char *from, double value, const char *to,
-                        double result) {
-        QTest::newRow(title) << QByteArray(from) << value << QByteArray(to) << result;
-    };
+    const auto row =
+        test_columns<QByteArray, double, QByteArray, double>("from", "value", "to", "result");
     row("ice", "DEG_F", 32.0, "DEG_C", 0.0);
     row("steam", "DEG_F", 212.0, "DEG_C", 100.0);
     row("steam, back", "DEG_C", 100.0, "DEG_F", 212.0);
@@ -156,23 +150,22 @@ void UnitService::same_keyword_gives_the_same_bits()
 
 void UnitService::unlike_keywords_pass_the_value_on_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::newRow("another dimension") << QByteArray("PSI") << QByteArray("DEG_F");
-    QTest::newRow("unknown to known") << QByteArray("FURLONG") << QByteArray("PSI");
-    QTest::newRow("known to unknown") << QByteArray("PSI") << QByteArray("FURLONG");
-    QTest::newRow("unknown to itself") << QByteArray("FURLONG") << QByteArray("FURLONG");
-    QTest::newRow("blanks") << QByteArray("   ") << QByteArray("PSI");
-    QTest::newRow("the entry of an empty list") << QByteArray(" <empty>") << QByteArray("PSI");
-    QTest::newRow("none to a fraction") << QByteArray("none") << QByteArray("FRAC");
-    QTest::newRow("a fraction to none") << QByteArray("PCT") << QByteArray("none");
-    QTest::newRow("torque to energy") << QByteArray("LB-FT") << QByteArray("JOULE");
-    QTest::newRow("rotation to frequency") << QByteArray("RPM") << QByteArray("HZ");
-    QTest::newRow("angle to fraction") << QByteArray("RADIAN") << QByteArray("FRAC");
-    QTest::newRow("temperature to difference") << QByteArray("DEG_F") << QByteArray("DELTA_F");
-    QTest::newRow("longer than a keyword") << QByteArray(5000, 'P') << QByteArray("PSI");
-    QTest::newRow("a keyword with blanks") << QByteArray("PSI ") << QByteArray("kPa");
-    QTest::newRow("an expression, not a keyword") << QByteArray("1000 Pa") << QByteArray("kPa");
+    const auto row = test_columns<QByteArray, QByteArray>("from", "to");
+    row("another dimension", QByteArray("PSI"), QByteArray("DEG_F"));
+    row("unknown to known", QByteArray("FURLONG"), QByteArray("PSI"));
+    row("known to unknown", QByteArray("PSI"), QByteArray("FURLONG"));
+    row("unknown to itself", QByteArray("FURLONG"), QByteArray("FURLONG"));
+    row("blanks", QByteArray("   "), QByteArray("PSI"));
+    row("the entry of an empty list", QByteArray(" <empty>"), QByteArray("PSI"));
+    row("none to a fraction", QByteArray("none"), QByteArray("FRAC"));
+    row("a fraction to none", QByteArray("PCT"), QByteArray("none"));
+    row("torque to energy", QByteArray("LB-FT"), QByteArray("JOULE"));
+    row("rotation to frequency", QByteArray("RPM"), QByteArray("HZ"));
+    row("angle to fraction", QByteArray("RADIAN"), QByteArray("FRAC"));
+    row("temperature to difference", QByteArray("DEG_F"), QByteArray("DELTA_F"));
+    row("longer than a keyword", QByteArray(5000, 'P'), QByteArray("PSI"));
+    row("a keyword with blanks", QByteArray("PSI "), QByteArray("kPa"));
+    row("an expression, not a keyword", QByteArray("1000 Pa"), QByteArray("kPa"));
 }
 
 void UnitService::unlike_keywords_pass_the_value_on()
@@ -194,12 +187,11 @@ void UnitService::unlike_keywords_pass_the_value_on()
 // no table: it agrees with any, and there is nothing to convert by.
 void UnitService::unit_not_chosen_yet_data()
 {
-    QTest::addColumn<QByteArray>("a");
-    QTest::addColumn<QByteArray>("b");
-    QTest::newRow("empty and known") << QByteArray("") << QByteArray("PSI");
-    QTest::newRow("both empty") << QByteArray("") << QByteArray("");
-    QTest::newRow("empty and none") << QByteArray("") << QByteArray("none");
-    QTest::newRow("empty and unknown") << QByteArray("") << QByteArray("FURLONG");
+    const auto row = test_columns<QByteArray, QByteArray>("a", "b");
+    row("empty and known", QByteArray(""), QByteArray("PSI"));
+    row("both empty", QByteArray(""), QByteArray(""));
+    row("empty and none", QByteArray(""), QByteArray("none"));
+    row("empty and unknown", QByteArray(""), QByteArray("FURLONG"));
 }
 
 void UnitService::unit_not_chosen_yet()
@@ -218,16 +210,15 @@ void UnitService::unit_not_chosen_yet()
 
 void UnitService::dimensions_data()
 {
-    QTest::addColumn<QByteArray>("a");
-    QTest::addColumn<QByteArray>("b");
-    QTest::newRow("itself") << QByteArray("PSI") << QByteArray("PSI");
-    QTest::newRow("pressures") << QByteArray("PSI") << QByteArray("IN_HG");
-    QTest::newRow("temperatures") << QByteArray("DEG_F") << QByteArray("DEG_K");
-    QTest::newRow("percent and fraction") << QByteArray("PCT") << QByteArray("FRAC");
-    QTest::newRow("both percents") << QByteArray("%") << QByteArray("PCT");
-    QTest::newRow("torques") << QByteArray("N-M") << QByteArray("LB-FT");
-    QTest::newRow("none and none") << QByteArray("none") << QByteArray("NONE");
-    QTest::newRow("without case") << QByteArray("kpa") << QByteArray("psi");
+    const auto row = test_columns<QByteArray, QByteArray>("a", "b");
+    row("itself", QByteArray("PSI"), QByteArray("PSI"));
+    row("pressures", QByteArray("PSI"), QByteArray("IN_HG"));
+    row("temperatures", QByteArray("DEG_F"), QByteArray("DEG_K"));
+    row("percent and fraction", QByteArray("PCT"), QByteArray("FRAC"));
+    row("both percents", QByteArray("%"), QByteArray("PCT"));
+    row("torques", QByteArray("N-M"), QByteArray("LB-FT"));
+    row("none and none", QByteArray("none"), QByteArray("NONE"));
+    row("without case", QByteArray("kpa"), QByteArray("psi"));
 }
 
 void UnitService::dimensions()
@@ -250,14 +241,8 @@ void UnitService::numbers_that_are_none()
 
 void UnitService::tokens_data()
 {
-    QTest::addColumn<QByteArray>("token");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("good");
-    const auto row = [](const char *title, const char *token, const char *to, double value,
-                        bool good) {
-        QTest::newRow(title) << QByteArray(token) << QByteArray(to) << value << good;
-    };
+    const auto row =
+        test_columns<QByteArray, QByteArray, double, bool>("token", "to", "value", "good");
     row("one percent", "1[PCT]", "FRAC", 0.01, true);
     row("leading point", ".25[PCT]", "FRAC", 0.0025, true);
     row("two percent", "2[PCT]", "FRAC", 0.02, true);

@@ -298,8 +298,7 @@ void UnitScales::every_pair_of_the_catalogue()
 
 void UnitScales::temperatures_data()
 {
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
+    test_columns<int, int>("from", "to");
     const int count = static_cast<int>(std::size(TEMPERATURES));
     for (int from = 0; from < count; ++from) {
         for (int to = 0; to < count; ++to)

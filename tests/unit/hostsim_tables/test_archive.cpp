@@ -65,22 +65,21 @@ static QByteArray delivered()
 
 void TestArchive::newest_in_force_data()
 {
-    QTest::addColumn<QVector<int>>("save_types");
-    QTest::addColumn<int>("expected"); // place in the archive, -1: none
-    QTest::newRow("empty archive") << QVector<int>{} << -1;
-    QTest::newRow("one adjustment") << QVector<int>{7} << 0;
-    QTest::newRow("the later of two adjustments") << QVector<int>{7, 7} << 1;
-    QTest::newRow("re-use puts a table in force") << QVector<int>{7, 8} << 1;
-    QTest::newRow("new correlation puts a table in force") << QVector<int>{7, 9} << 1;
-    QTest::newRow("no type puts a table in force") << QVector<int>{7, 0} << 1;
-    QTest::newRow("as-found is evidence") << QVector<int>{7, 3} << 0;
-    QTest::newRow("after-service is evidence") << QVector<int>{7, 5} << 0;
-    QTest::newRow("verification is evidence") << QVector<int>{7, 6} << 0;
-    QTest::newRow("a type that does not exist") << QVector<int>{7, 4, 10, 65535} << 0;
-    QTest::newRow("evidence alone") << QVector<int>{3, 5, 6} << -1;
-    QTest::newRow("a whole calibration") << QVector<int>{9, 3, 7, 6, 3, 5, 6} << 2;
-    QTest::newRow("much evidence behind the table")
-        << (QVector<int>{7} + QVector<int>(500, 6)) << 0;
+    // expected: place in the archive, -1: none
+    const auto row = test_columns<QVector<int>, int>("save_types", "expected");
+    row("empty archive", QVector<int>{}, -1);
+    row("one adjustment", QVector<int>{7}, 0);
+    row("the later of two adjustments", QVector<int>{7, 7}, 1);
+    row("re-use puts a table in force", QVector<int>{7, 8}, 1);
+    row("new correlation puts a table in force", QVector<int>{7, 9}, 1);
+    row("no type puts a table in force", QVector<int>{7, 0}, 1);
+    row("as-found is evidence", QVector<int>{7, 3}, 0);
+    row("after-service is evidence", QVector<int>{7, 5}, 0);
+    row("verification is evidence", QVector<int>{7, 6}, 0);
+    row("a type that does not exist", QVector<int>{7, 4, 10, 65535}, 0);
+    row("evidence alone", QVector<int>{3, 5, 6}, -1);
+    row("a whole calibration", QVector<int>{9, 3, 7, 6, 3, 5, 6}, 2);
+    row("much evidence behind the table", (QVector<int>{7} + QVector<int>(500, 6)), 0);
 }
 
 void TestArchive::newest_in_force()
@@ -168,43 +167,40 @@ void TestArchive::unknown_type_is_delivered()
 
 void TestArchive::damage_is_passed_over_data()
 {
-    QTest::addColumn<QByteArray>("archive");
-    QTest::addColumn<QByteArray>("expected");
-    QTest::addColumn<int>("entries");
+    const auto row = test_columns<QByteArray, QByteArray, int>("archive", "expected", "entries");
     const QByteArray one = archived(7, "one");
     const QByteArray two = archived(7, "two");
     QByteArray changed = two;
     changed.replace("100.1", "100.3");
-    QTest::newRow("torn tail") << one + two.left(500) << QByteArray("one") << 1;
-    QTest::newRow("torn tail and a record behind it")
-        << one + archived(7, "torn").left(500) + "\n" + two << QByteArray("two") << 0;
-    QTest::newRow("torn tail with a record joined to it")
-        << one + archived(7, "torn").left(500) + two << QByteArray("two") << 0;
-    QTest::newRow("value changed") << one + changed << QByteArray("one") << 1;
-    QTest::newRow("two damaged") << one + QByteArray(changed).replace("100.3", "100.5") +
-                                        QByteArray(changed).replace("100.3", "100.5")
-                                 << QByteArray("one") << 2;
-    QTest::newRow("rubbish behind") << one + two + "rubbish" << QByteArray("two") << 1;
-    QTest::newRow("zeros behind") << one + two + QByteArray(4096, '\0') << QByteArray("two") << 1;
-    QTest::newRow("rubbish alone") << QByteArray("rubbish\nrubbish\n") << QByteArray() << 1;
-    QTest::newRow("blank lines") << "\n\n" + one + "\n\n\n" << QByteArray("one") << 0;
-    QTest::newRow("last line feed missing") << one + two.chopped(1) << QByteArray("two") << 0;
-    QTest::newRow("opening line damaged")
-        << one + QByteArray(two).replace(0, 6, "VARNAX") << QByteArray("one") << 1;
-    QTest::newRow("later form") << one + altered(two, "TABLE 1", "TABLE 2") << QByteArray("one")
-                                << 1;
-    QTest::newRow("a table file's block counts by its record")
-        << one + block_of(sound_record()) << QByteArray("") << 0;
+    row("torn tail", one + two.left(500), QByteArray("one"), 1);
+    row("torn tail and a record behind it", one + archived(7, "torn").left(500) + "\n" + two,
+        QByteArray("two"), 0);
+    row("torn tail with a record joined to it", one + archived(7, "torn").left(500) + two,
+        QByteArray("two"), 0);
+    row("value changed", one + changed, QByteArray("one"), 1);
+    row("two damaged",
+        one + QByteArray(changed).replace("100.3", "100.5") +
+            QByteArray(changed).replace("100.3", "100.5"),
+        QByteArray("one"), 2);
+    row("rubbish behind", one + two + "rubbish", QByteArray("two"), 1);
+    row("zeros behind", one + two + QByteArray(4096, '\0'), QByteArray("two"), 1);
+    row("rubbish alone", QByteArray("rubbish\nrubbish\n"), QByteArray(), 1);
+    row("blank lines", "\n\n" + one + "\n\n\n", QByteArray("one"), 0);
+    row("last line feed missing", one + two.chopped(1), QByteArray("two"), 0);
+    row("opening line damaged", one + QByteArray(two).replace(0, 6, "VARNAX"), QByteArray("one"),
+        1);
+    row("later form", one + altered(two, "TABLE 1", "TABLE 2"), QByteArray("one"), 1);
+    row("a table file's block counts by its record", one + block_of(sound_record()), QByteArray(""),
+        0);
 }
 
 void TestArchive::damage_is_passed_over()
 {
     QFETCH(QByteArray, archive);
-    QFETCH(int, entries);
     write_file(SAVE, archive);
     const HostLog log;
     QTEST(delivered(), "expected");
-    QCOMPARE(log.texts().size(), entries);
+    QTEST(log.texts().size(), "entries");
 }
 
 void TestArchive::damage_is_logged_once_with_file_and_line()
@@ -305,12 +301,11 @@ void TestArchive::random_damage_costs_only_what_it_hits()
 
 void TestArchive::long_damage_is_crossed_data()
 {
-    QTest::addColumn<int>("bytes");
-    QTest::addColumn<char>("with");
+    const auto row = test_columns<int, char>("bytes", "with");
     for (const int bytes : {10000, 16384, 200000, 262144, 524288, 3000000}) {
-        QTest::newRow(qPrintable(QString("%1 zeros").arg(bytes))) << bytes << '\0';
-        QTest::newRow(qPrintable(QString("%1 letters").arg(bytes))) << bytes << 'x';
-        QTest::newRow(qPrintable(QString("%1 line feeds").arg(bytes))) << bytes << '\n';
+        row(qPrintable(QString("%1 zeros").arg(bytes)), bytes, '\0');
+        row(qPrintable(QString("%1 letters").arg(bytes)), bytes, 'x');
+        row(qPrintable(QString("%1 line feeds").arg(bytes)), bytes, '\n');
     }
 }
 

@@ -236,12 +236,7 @@ void TestTableFile::random_bytes_are_damage()
 
 void TestTableFile::wrong_lines_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<QString>("what");
-    const auto row = [](const char *name, const char *from, const char *to, const char *what) {
-        QTest::newRow(name) << QByteArray(from) << QByteArray(to) << QString(what);
-    };
+    const auto row = test_columns<QByteArray, QByteArray, QString>("from", "to", "what");
     row("another form", "TABLE 1\n", "TABLE 2\n", "form \"2\" is not known");
     row("unknown field", "qie \"\"", "qia \"\"", "no field \"qia\" is known");
     row("a field twice", "qie \"\"\n", "qie \"\"\nqie \"\"\n", "qie stands twice");
@@ -318,26 +313,22 @@ void TestTableFile::damage_names_its_line()
 
 void TestTableFile::stretches_data()
 {
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<QString>("kinds");
+    const auto row = test_columns<QByteArray, QString>("data", "kinds");
     const QByteArray block = block_of(sound_record());
     const QByteArray torn = block.left(200);
-    QTest::newRow("a block") << block << "B";
-    QTest::newRow("blocks one behind the other") << block + block + block << "BBB";
-    QTest::newRow("blank lines between") << "\n" + block + "\n \r\n" + block << "-B-B";
-    QTest::newRow("a torn block alone") << torn << "D";
-    QTest::newRow("a torn block, a line break, a whole one") << torn + "\n" + block << "DB";
-    QTest::newRow("a whole block joined to a torn one") << torn + block << "DB";
-    QTest::newRow("a block without its last line feed, and another")
-        << block.chopped(1) + block << "BB";
-    QTest::newRow("rubbish before and behind") << "abc\n" + block + "def"
-                                               << "DBD";
-    QTest::newRow("zeros behind") << block + QByteArray(5000, '\0') << "BD";
-    QTest::newRow("half an opening line") << block + "VORNAX-TAB"
-                                          << "BD";
-    QTest::newRow("an opening line without a number") << QByteArray("VORNAX-TABLE x\n") << "D";
-    QTest::newRow("the opening words within a text")
-        << altered(block, "qie \"\"", "qie \"VORNAX-TABLE 1\"") << "B";
+    row("a block", block, "B");
+    row("blocks one behind the other", block + block + block, "BBB");
+    row("blank lines between", "\n" + block + "\n \r\n" + block, "-B-B");
+    row("a torn block alone", torn, "D");
+    row("a torn block, a line break, a whole one", torn + "\n" + block, "DB");
+    row("a whole block joined to a torn one", torn + block, "DB");
+    row("a block without its last line feed, and another", block.chopped(1) + block, "BB");
+    row("rubbish before and behind", "abc\n" + block + "def", "DBD");
+    row("zeros behind", block + QByteArray(5000, '\0'), "BD");
+    row("half an opening line", block + "VORNAX-TAB", "BD");
+    row("an opening line without a number", QByteArray("VORNAX-TABLE x\n"), "D");
+    row("the opening words within a text", altered(block, "qie \"\"", "qie \"VORNAX-TABLE 1\""),
+        "B");
 }
 
 void TestTableFile::stretches()
@@ -357,10 +348,7 @@ void TestTableFile::stretches()
 
 void TestTableFile::limits_of_a_record_data()
 {
-    QTest::addColumn<int>("field");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<bool>("archived");
-    QTest::addColumn<QString>("what");
+    test_columns<int, int, bool, QString>("field", "value", "archived", "what");
     const auto row = [](const char *name, int field, int value, const char *what,
                         bool archived = false) {
         QTest::newRow(name) << field << value << archived << QString(what);

@@ -104,42 +104,37 @@ void TestTableStore::random_tables_read_back()
 
 void TestTableStore::unreadable_tables_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("entry");
+    const auto row = test_columns<QByteArray, QString>("content", "entry");
     const QByteArray block = block_of(sound_record());
     const QString lines = QString::number(block.count('\n'));
-    QTest::newRow("empty") << QByteArray() << ":1: the file is empty";
-    QTest::newRow("foreign") << QByteArray("channel 3\n1 2 3\n") << ":1: not a table file";
-    QTest::newRow("binary") << QByteArray(21992, '\0') << ":1: not a table file";
-    QTest::newRow("blank lines") << QByteArray("\n\n") << ":1: not a table file";
-    QTest::newRow("rubbish before the block") << "x\n" + block << ":1: not a table file";
-    QTest::newRow("cut short") << block.left(300) << ":1: the block is cut short";
-    QTest::newRow("later form") << altered(block, "TABLE 1", "TABLE 2")
-                                << ":1: form \"2\" is not known";
-    QTest::newRow("a value changed by hand") << QByteArray(block).replace("100.1", "100.2")
-                                             << ":" + lines + ": the check sum does not agree";
-    QTest::newRow("two records") << block + block
-                                 << ":" + QString::number(block.count('\n') + 1) +
-                                        ": more than one record";
-    QTest::newRow("rubbish behind the block")
-        << block + "x"
-        << ":" + QString::number(block.count('\n') + 1) + ": more than one record";
-    QTest::newRow("65 points") << altered(block, "num_points 3", "num_points 65")
-                               << ":32: poly 0 num_points is 65, outside 0 to 64";
-    QTest::newRow("-1 points") << altered(block, "num_points 3", "num_points -1")
-                               << ":32: poly 0 num_points is -1, outside 0 to 64";
-    QTest::newRow("65 coefficients in a point table")
-        << altered(block, "num_coeffs 2", "num_coeffs 65")
-        << ":30: poly 0 num_coeffs is 65, outside 0 to 64";
-    QTest::newRow("range 8") << altered(block, "range_index 0", "range_index 8")
-                             << ":8: poly_range_index is 8, outside 0 to 7";
-    QTest::newRow("type 3") << altered(block, "table_type 0", "table_type 3")
-                            << ":7: table_type is 3, which is not known";
-    QTest::newRow("type not known") << altered(block, "table_type 0", "table_type 65535")
-                                    << ":7: table_type is 65535, which is not known";
-    QTest::newRow("text not terminated")
-        << altered(block, "eng_units \"LB-FT\"", "eng_units \"0123456789abcdef\"")
-        << ":9: eng_units is not terminated";
+    row("empty", QByteArray(), ":1: the file is empty");
+    row("foreign", QByteArray("channel 3\n1 2 3\n"), ":1: not a table file");
+    row("binary", QByteArray(21992, '\0'), ":1: not a table file");
+    row("blank lines", QByteArray("\n\n"), ":1: not a table file");
+    row("rubbish before the block", "x\n" + block, ":1: not a table file");
+    row("cut short", block.left(300), ":1: the block is cut short");
+    row("later form", altered(block, "TABLE 1", "TABLE 2"), ":1: form \"2\" is not known");
+    row("a value changed by hand", QByteArray(block).replace("100.1", "100.2"),
+        ":" + lines + ": the check sum does not agree");
+    row("two records", block + block,
+        ":" + QString::number(block.count('\n') + 1) + ": more than one record");
+    row("rubbish behind the block", block + "x",
+        ":" + QString::number(block.count('\n') + 1) + ": more than one record");
+    row("65 points", altered(block, "num_points 3", "num_points 65"),
+        ":32: poly 0 num_points is 65, outside 0 to 64");
+    row("-1 points", altered(block, "num_points 3", "num_points -1"),
+        ":32: poly 0 num_points is -1, outside 0 to 64");
+    row("65 coefficients in a point table", altered(block, "num_coeffs 2", "num_coeffs 65"),
+        ":30: poly 0 num_coeffs is 65, outside 0 to 64");
+    row("range 8", altered(block, "range_index 0", "range_index 8"),
+        ":8: poly_range_index is 8, outside 0 to 7");
+    row("type 3", altered(block, "table_type 0", "table_type 3"),
+        ":7: table_type is 3, which is not known");
+    row("type not known", altered(block, "table_type 0", "table_type 65535"),
+        ":7: table_type is 65535, which is not known");
+    row("text not terminated",
+        altered(block, "eng_units \"LB-FT\"", "eng_units \"0123456789abcdef\""),
+        ":9: eng_units is not terminated");
 }
 
 void TestTableStore::unreadable_tables()
@@ -321,15 +316,14 @@ void TestTableStore::counts_and_texts_are_brought_within_limits()
 
 void TestTableStore::save_refuses_a_type_that_is_not_archived_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<bool>("saved");
-    QTest::newRow("INTERP") << 0 << true;
-    QTest::newRow("POLY") << 1 << true;
-    QTest::newRow("POLY_RANGE") << 7 << true;
-    QTest::newRow("SCALED") << 2 << false;
-    QTest::newRow("6") << 6 << false;
-    QTest::newRow("8") << 8 << false;
-    QTest::newRow("65535") << 65535 << false;
+    const auto row = test_columns<int, bool>("type", "saved");
+    row("INTERP", 0, true);
+    row("POLY", 1, true);
+    row("POLY_RANGE", 7, true);
+    row("SCALED", 2, false);
+    row("6", 6, false);
+    row("8", 8, false);
+    row("65535", 65535, false);
 }
 
 void TestTableStore::save_refuses_a_type_that_is_not_archived()

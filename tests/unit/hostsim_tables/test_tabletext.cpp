@@ -52,23 +52,20 @@ static double from_bits(quint64 bits)
 
 void TestTableText::doubles_read_back_bit_for_bit_data()
 {
-    QTest::addColumn<quint64>("bits");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("zero") << quint64(bits_of(0.0)) << "0";
-    QTest::newRow("minus zero") << quint64(bits_of(-0.0)) << "-0";
-    QTest::newRow("a tenth is short") << quint64(bits_of(0.1)) << "0.1";
-    QTest::newRow("next above a tenth")
-        << quint64(bits_of(std::nextafter(0.1, 1))) << "0.10000000000000002";
-    QTest::newRow("smallest denormal") << quint64(1) << "5e-324";
-    QTest::newRow("largest denormal") << quint64(0x000fffffffffffff) << "2.225073858507201e-308";
-    QTest::newRow("smallest normal") << quint64(0x0010000000000000) << "2.2250738585072014e-308";
-    QTest::newRow("largest") << quint64(0x7fefffffffffffff) << "1.7976931348623157e+308";
-    QTest::newRow("infinity") << quint64(0x7ff0000000000000) << "inf";
-    QTest::newRow("minus infinity") << quint64(0xfff0000000000000) << "-inf";
-    QTest::newRow("quiet NaN") << quint64(0x7ff8000000000000) << "nan:7ff8000000000000";
-    QTest::newRow("signalling NaN with payload")
-        << quint64(0x7ff00000deadbeef) << "nan:7ff00000deadbeef";
-    QTest::newRow("negative NaN") << quint64(0xffffffffffffffff) << "nan:ffffffffffffffff";
+    const auto row = test_columns<quint64, QString>("bits", "text");
+    row("zero", quint64(bits_of(0.0)), "0");
+    row("minus zero", quint64(bits_of(-0.0)), "-0");
+    row("a tenth is short", quint64(bits_of(0.1)), "0.1");
+    row("next above a tenth", quint64(bits_of(std::nextafter(0.1, 1))), "0.10000000000000002");
+    row("smallest denormal", quint64(1), "5e-324");
+    row("largest denormal", quint64(0x000fffffffffffff), "2.225073858507201e-308");
+    row("smallest normal", quint64(0x0010000000000000), "2.2250738585072014e-308");
+    row("largest", quint64(0x7fefffffffffffff), "1.7976931348623157e+308");
+    row("infinity", quint64(0x7ff0000000000000), "inf");
+    row("minus infinity", quint64(0xfff0000000000000), "-inf");
+    row("quiet NaN", quint64(0x7ff8000000000000), "nan:7ff8000000000000");
+    row("signalling NaN with payload", quint64(0x7ff00000deadbeef), "nan:7ff00000deadbeef");
+    row("negative NaN", quint64(0xffffffffffffffff), "nan:ffffffffffffffff");
 }
 
 void TestTableText::doubles_read_back_bit_for_bit()
@@ -142,30 +139,26 @@ void TestTableText::not_a_number_of_the_form()
 
 void TestTableText::texts_stand_readable_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("empty") << QByteArray("") << QByteArray("\"\"");
-    QTest::newRow("plain") << QByteArray("Torque 1") << QByteArray("\"Torque 1\"");
-    QTest::newRow("letters of any script")
-        << QByteArray("Müller 温度 🌡") << QByteArray("\"Müller 温度 🌡\"");
-    QTest::newRow("quote and backslash") << QByteArray("a\"b\\c") << QByteArray("\"a\\\"b\\\\c\"");
-    QTest::newRow("line feed, tab, return")
-        << QByteArray("a\nb\tc\rd") << QByteArray("\"a\\nb\\tc\\rd\"");
-    QTest::newRow("control and delete")
-        << QByteArray("\x01\x1b\x7f") << QByteArray("\"\\x01\\x1b\\x7f\"");
-    QTest::newRow("a byte that is no UTF-8") << QByteArray("a\xff"
-                                                           "b")
-                                             << QByteArray("\"a\\xffb\"");
-    QTest::newRow("half a character") << QByteArray("a\xc3") << QByteArray("\"a\\xc3\"");
-    QTest::newRow("overlong") << QByteArray("\xc0\xaf") << QByteArray("\"\\xc0\\xaf\"");
-    QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80") << QByteArray("\"\\xed\\xa0\\x80\"");
-    QTest::newRow("line separator")
-        << QByteArray("\xe2\x80\xa8") << QByteArray("\"\\xe2\\x80\\xa8\"");
-    QTest::newRow("right to left override")
-        << QByteArray("\xe2\x80\xae") << QByteArray("\"\\xe2\\x80\\xae\"");
-    QTest::newRow("control above 127") << QByteArray("\xc2\x85") << QByteArray("\"\\xc2\\x85\"");
-    QTest::newRow("beyond the last character")
-        << QByteArray("\xf4\x90\x80\x80") << QByteArray("\"\\xf4\\x90\\x80\\x80\"");
+    const auto row = test_columns<QByteArray, QByteArray>("text", "expected");
+    row("empty", QByteArray(""), QByteArray("\"\""));
+    row("plain", QByteArray("Torque 1"), QByteArray("\"Torque 1\""));
+    row("letters of any script", QByteArray("Müller 温度 🌡"),
+        QByteArray("\"Müller 温度 🌡\""));
+    row("quote and backslash", QByteArray("a\"b\\c"), QByteArray("\"a\\\"b\\\\c\""));
+    row("line feed, tab, return", QByteArray("a\nb\tc\rd"), QByteArray("\"a\\nb\\tc\\rd\""));
+    row("control and delete", QByteArray("\x01\x1b\x7f"), QByteArray("\"\\x01\\x1b\\x7f\""));
+    row("a byte that is no UTF-8",
+        QByteArray("a\xff"
+                   "b"),
+        QByteArray("\"a\\xffb\""));
+    row("half a character", QByteArray("a\xc3"), QByteArray("\"a\\xc3\""));
+    row("overlong", QByteArray("\xc0\xaf"), QByteArray("\"\\xc0\\xaf\""));
+    row("surrogate", QByteArray("\xed\xa0\x80"), QByteArray("\"\\xed\\xa0\\x80\""));
+    row("line separator", QByteArray("\xe2\x80\xa8"), QByteArray("\"\\xe2\\x80\\xa8\""));
+    row("right to left override", QByteArray("\xe2\x80\xae"), QByteArray("\"\\xe2\\x80\\xae\""));
+    row("control above 127", QByteArray("\xc2\x85"), QByteArray("\"\\xc2\\x85\""));
+    row("beyond the last character", QByteArray("\xf4\x90\x80\x80"),
+        QByteArray("\"\\xf4\\x90\\x80\\x80\""));
 }
 
 void TestTableText::texts_stand_readable()
@@ -247,15 +240,13 @@ void TestTableText::no_hex()
 
 void TestTableText::times_data()
 {
-    QTest::addColumn<qint64>("seconds");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("the epoch") << qint64(0) << "1970-01-01T00:00:00Z";
-    QTest::newRow("a day of March") << qint64(1772357400) << "2026-03-01T09:30:00Z";
-    QTest::newRow("last second with four digits of year")
-        << qint64(253402300799) << "9999-12-31T23:59:59Z";
-    QTest::newRow("beyond it") << qint64(253402300800) << "";
-    QTest::newRow("before the epoch") << qint64(-1) << "";
-    QTest::newRow("the largest number") << std::numeric_limits<qint64>::max() << "";
+    const auto row = test_columns<qint64, QString>("seconds", "text");
+    row("the epoch", qint64(0), "1970-01-01T00:00:00Z");
+    row("a day of March", qint64(1772357400), "2026-03-01T09:30:00Z");
+    row("last second with four digits of year", qint64(253402300799), "9999-12-31T23:59:59Z");
+    row("beyond it", qint64(253402300800), "");
+    row("before the epoch", qint64(-1), "");
+    row("the largest number", std::numeric_limits<qint64>::max(), "");
 }
 
 void TestTableText::times()

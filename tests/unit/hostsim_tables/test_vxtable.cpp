@@ -17,7 +17,7 @@ class TestVxtable : public QObject
 {
     Q_OBJECT
 private slots:
-    void init();
+    void init() { m_folder.reset(new QTemporaryDir); }
     void wrong_use_data();
     void wrong_use();
     void help();
@@ -44,11 +44,6 @@ private:
     QString m_out;
     QString m_errors;
 };
-
-void TestVxtable::init()
-{
-    m_folder.reset(new QTemporaryDir);
-}
 
 // Exit status; -1 when it did not end by itself.
 int TestVxtable::run(const QStringList &arguments)
@@ -112,38 +107,31 @@ void TestVxtable::files_that_cannot_be_read()
 
 void TestVxtable::verify_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("count");
+    const auto row =
+        test_columns<QString, QByteArray, int, QString>("name", "content", "status", "count");
     const QByteArray block = block_of(sound_record());
     const QByteArray saved = archived(7, "one");
-    QTest::newRow("table") << "a.tbl" << block << 0 << "1 whole, 0 damaged";
-    QTest::newRow("archive") << "a.save" << saved + saved << 0 << "2 whole, 0 damaged";
-    QTest::newRow("history") << "a.old" << block + block << 0 << "2 whole, 0 damaged";
-    QTest::newRow("empty archive") << "a.save" << QByteArray() << 0 << "0 whole, 0 damaged";
-    QTest::newRow("empty table") << "a.tbl" << QByteArray() << 1 << "0 whole, 0 damaged";
-    QTest::newRow("two records in a table")
-        << "a.tbl" << block + block << 1 << "1 whole, 1 damaged";
-    QTest::newRow("torn archive") << "a.save" << saved + saved.left(90) << 1
-                                  << "1 whole, 1 damaged";
-    QTest::newRow("torn, then whole")
-        << "a.save" << saved.left(90) + "\n" + saved << 1 << "1 whole, 1 damaged";
-    QTest::newRow("torn history with a whole record joined")
-        << "a.old" << block.left(90) + block << 1 << "1 whole, 1 damaged";
-    QTest::newRow("changed value")
-        << "a.save" << QByteArray(saved).replace("10.25", "10.35") << 1 << "0 whole, 1 damaged";
-    QTest::newRow("foreign") << "a.tbl" << QByteArray("a,b\n1,2\n") << 1 << "0 whole, 1 damaged";
-    QTest::newRow("type not known in a table")
-        << "a.tbl" << altered(block, "table_type 0", "table_type 65535") << 1
-        << "0 whole, 1 damaged";
-    QTest::newRow("type not known in an archive")
-        << "a.save" << altered(saved, "table_type 0", "table_type 65535") << 0
-        << "1 whole, 0 damaged";
-    QTest::newRow("65 points") << "a.save" << altered(saved, "num_points 3", "num_points 65") << 1
-                               << "0 whole, 1 damaged";
-    QTest::newRow("much damage is one damage")
-        << "a.save" << saved + QByteArray(5000000, 'x') + saved << 1 << "2 whole, 1 damaged";
+    row("table", "a.tbl", block, 0, "1 whole, 0 damaged");
+    row("archive", "a.save", saved + saved, 0, "2 whole, 0 damaged");
+    row("history", "a.old", block + block, 0, "2 whole, 0 damaged");
+    row("empty archive", "a.save", QByteArray(), 0, "0 whole, 0 damaged");
+    row("empty table", "a.tbl", QByteArray(), 1, "0 whole, 0 damaged");
+    row("two records in a table", "a.tbl", block + block, 1, "1 whole, 1 damaged");
+    row("torn archive", "a.save", saved + saved.left(90), 1, "1 whole, 1 damaged");
+    row("torn, then whole", "a.save", saved.left(90) + "\n" + saved, 1, "1 whole, 1 damaged");
+    row("torn history with a whole record joined", "a.old", block.left(90) + block, 1,
+        "1 whole, 1 damaged");
+    row("changed value", "a.save", QByteArray(saved).replace("10.25", "10.35"), 1,
+        "0 whole, 1 damaged");
+    row("foreign", "a.tbl", QByteArray("a,b\n1,2\n"), 1, "0 whole, 1 damaged");
+    row("type not known in a table", "a.tbl", altered(block, "table_type 0", "table_type 65535"), 1,
+        "0 whole, 1 damaged");
+    row("type not known in an archive", "a.save",
+        altered(saved, "table_type 0", "table_type 65535"), 0, "1 whole, 0 damaged");
+    row("65 points", "a.save", altered(saved, "num_points 3", "num_points 65"), 1,
+        "0 whole, 1 damaged");
+    row("much damage is one damage", "a.save", saved + QByteArray(5000000, 'x') + saved, 1,
+        "2 whole, 1 damaged");
 }
 
 void TestVxtable::verify()

@@ -58,22 +58,14 @@ private slots:
 
 void MeasurementSystem::texts_of_the_table_data()
 {
-    QTest::addColumn<double>("y_min");
-    QTest::addColumn<double>("y_max");
-    QTest::addColumn<QString>("smallest");
-    QTest::addColumn<QString>("largest");
-    QTest::newRow("whole numbers") << 0.0 << 1000.0 << "0"
-                                   << "1000";
-    QTest::newRow("six digits") << -12.3456789 << 123456.789 << "-12.3457"
-                                << "123457";
-    QTest::newRow("exponents") << 0.0000123456789 << 1234567.0 << "1.23457e-05"
-                               << "1.23457e+06";
-    QTest::newRow("trailing zeros go") << 0.1 << 2.50 << "0.1"
-                                       << "2.5";
-    QTest::newRow("negative zero, NaN") << -0.0 << std::nan("") << "0"
-                                        << "nan";
-    QTest::newRow("infinities") << -HUGE_VAL << HUGE_VAL << "-inf"
-                                << "inf";
+    const auto row =
+        test_columns<double, double, QString, QString>("y_min", "y_max", "smallest", "largest");
+    row("whole numbers", 0.0, 1000.0, "0", "1000");
+    row("six digits", -12.3456789, 123456.789, "-12.3457", "123457");
+    row("exponents", 0.0000123456789, 1234567.0, "1.23457e-05", "1.23457e+06");
+    row("trailing zeros go", 0.1, 2.50, "0.1", "2.5");
+    row("negative zero, NaN", -0.0, std::nan(""), "0", "nan");
+    row("infinities", -HUGE_VAL, HUGE_VAL, "-inf", "inf");
 }
 
 void MeasurementSystem::texts_of_the_table()
@@ -94,27 +86,20 @@ void MeasurementSystem::texts_of_the_table()
 
 void MeasurementSystem::storing_data()
 {
-    QTest::addColumn<QStringList>("texts");
-    QTest::addColumn<int>("refused");
-    QTest::addColumn<QList<double>>("stored"); // 11 to 14 stood there before
-    QTest::newRow("all numbers") << QStringList{"1", "2.5", "-3e2", ".5"} << 4
-                                 << QList<double>{1, 2.5, -300, 0.5};
-    QTest::newRow("first is none")
-        << QStringList{"abc", "2", "3", "4"} << 0 << QList<double>{0, 12, 13, 14};
-    QTest::newRow("second is none")
-        << QStringList{"1", "abc", "3", "4"} << 1 << QList<double>{1, 0, 13, 14};
-    QTest::newRow("third is none: abc in Min Expected Val")
-        << QStringList{"1", "2", "abc", "4"} << 2 << QList<double>{1, 2, 0, 14};
-    QTest::newRow("fourth is none")
-        << QStringList{"1", "2", "3", "abc"} << 3 << QList<double>{1, 2, 3, 0};
-    QTest::newRow("two are none") << QStringList{"1", "x", "3", "y"} << 1
-                                  << QList<double>{1, 0, 13, 14};
+    // stored: 11 to 14 stood there before
+    const auto row = test_columns<QStringList, int, QList<double>>("texts", "refused", "stored");
+    row("all numbers", QStringList{"1", "2.5", "-3e2", ".5"}, 4, QList<double>{1, 2.5, -300, 0.5});
+    row("first is none", QStringList{"abc", "2", "3", "4"}, 0, QList<double>{0, 12, 13, 14});
+    row("second is none", QStringList{"1", "abc", "3", "4"}, 1, QList<double>{1, 0, 13, 14});
+    row("third is none: abc in Min Expected Val", QStringList{"1", "2", "abc", "4"}, 2,
+        QList<double>{1, 2, 0, 14});
+    row("fourth is none", QStringList{"1", "2", "3", "abc"}, 3, QList<double>{1, 2, 3, 0});
+    row("two are none", QStringList{"1", "x", "3", "y"}, 1, QList<double>{1, 0, 13, 14});
 }
 
 void MeasurementSystem::storing()
 {
     QFETCH(QStringList, texts);
-    QFETCH(int, refused);
     QFETCH(QList<double>, stored);
     ENV_BLOCK block = {11, 12, 13, 14};
     LINE_RPT report = {};
@@ -124,7 +109,7 @@ void MeasurementSystem::storing()
     report.max_expected_val = 14;
     const ExpectedValue result =
         store_expected_values({texts[0], texts[1], texts[2], texts[3]}, &block, &report);
-    QCOMPARE(int(result), refused);
+    QTEST(int(result), "refused");
     const Four expected = {stored[0], stored[1], stored[2], stored[3]};
     QVERIFY(four(block) == expected);
     QVERIFY(four(report) == expected);
@@ -132,22 +117,20 @@ void MeasurementSystem::storing()
 
 void MeasurementSystem::number_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<double>("value");
-    QTest::newRow("plain") << "12.5" << true << 12.5;
-    QTest::newRow("exponent") << "1.25e-3" << true << 0.00125;
-    QTest::newRow("sign") << "+7" << true << 7.0;
-    QTest::newRow("blanks around it") << "  7 " << true << 7.0;
-    QTest::newRow("infinity") << "inf" << true << HUGE_VAL;
-    QTest::newRow("blank") << " " << false << 0.0;
-    QTest::newRow("comma") << "12,5" << false << 0.0;
-    QTest::newRow("groups of digits") << "1,000" << false << 0.0;
-    QTest::newRow("unit behind it") << "12 kPa" << false << 0.0;
-    QTest::newRow("hexadecimal") << "0x10" << false << 0.0;
-    QTest::newRow("two points") << "1.2.3" << false << 0.0;
-    QTest::newRow("beyond a double") << "1e400" << false << 0.0;
-    QTest::newRow("beyond a double, negative") << "-1e400" << false << 0.0;
+    const auto row = test_columns<QString, bool, double>("text", "accepted", "value");
+    row("plain", "12.5", true, 12.5);
+    row("exponent", "1.25e-3", true, 0.00125);
+    row("sign", "+7", true, 7.0);
+    row("blanks around it", "  7 ", true, 7.0);
+    row("infinity", "inf", true, HUGE_VAL);
+    row("blank", " ", false, 0.0);
+    row("comma", "12,5", false, 0.0);
+    row("groups of digits", "1,000", false, 0.0);
+    row("unit behind it", "12 kPa", false, 0.0);
+    row("hexadecimal", "0x10", false, 0.0);
+    row("two points", "1.2.3", false, 0.0);
+    row("beyond a double", "1e400", false, 0.0);
+    row("beyond a double, negative", "-1e400", false, 0.0);
 }
 
 void MeasurementSystem::number()

@@ -88,71 +88,64 @@ QList<QByteArray> SpecsFile::read(const QByteArray &content)
 
 void SpecsFile::file_is_read_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QList<QByteArray>>("texts");
+    const auto row = test_columns<QByteArray, QList<QByteArray>>("content", "texts");
     const QList<QByteArray> both{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a@cell", "b@cell"};
-    QTest::newRow("as written") << NAMES + LIST + "a@cell\nb@cell\n" << both;
-    QTest::newRow("no final line feed") << NAMES + LIST + "a@cell\nb@cell" << both;
-    QTest::newRow("carriage returns")
-        << QByteArray(NAMES + LIST + "a@cell\nb@cell\n").replace("\n", "\r\n") << both;
-    QTest::newRow("the list first") << LIST + "a@cell\nb@cell\n" + NAMES << both;
-    QTest::newRow("names the other way round")
-        << "@HUMIDITY_KEYWORD\nCELL_HUM\n@BAROMETER_KEYWORD\nCELL_BARO\n"
-           "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n" +
-               LIST + "a@cell\nb@cell\n"
-        << both;
-    QTest::newRow("a further keyword ends the list")
-        << NAMES + LIST + "a@cell\nb@cell\n@OTHER_KEYWORD\nc@cell\n"
-        << both;
-    QTest::newRow("comments between the pairs")
-        << "# a comment\n" + NAMES + "\n# another\n" + LIST + "a@cell\nb@cell\n"
-        << both;
-    QTest::newRow("a name that comes twice: the first")
-        << "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n@ROOM_TEMP_KEYWORD\nSECOND\n" + NAMES.mid(29) + LIST +
-               "a@cell\nb@cell\n"
-        << both;
-    QTest::newRow("a list that comes twice: the first")
-        << NAMES + LIST + "a@cell\nb@cell\n" + LIST + "c@cell\n"
-        << both;
-    QTest::newRow("zero bytes end a value")
-        << QByteArray("@ROOM_TEMP_KEYWORD\nCELL_TEMP\0x\n", 31) + NAMES.mid(29) + LIST +
-               QByteArray("a@cell\0\0\nb@cell\n", 16)
-        << both;
-    QTest::newRow("blanks stay") << NAMES + LIST + " a@cell \n\tb\n"
-                                 << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM",
-                                                      " a@cell ", "\tb"};
-    QTest::newRow("UTF-8") << "@ROOM_TEMP_KEYWORD\n" + QByteArray("Zelle 1 °C\n") + NAMES.mid(29) +
-                                  LIST + "ä@cell\n"
-                           << QList<QByteArray>{"Zelle 1 °C", "CELL_BARO", "CELL_HUM", "ä@cell"};
-    QTest::newRow("an address that begins with @ behind the first ends the list")
-        << NAMES + LIST + "a@cell\n@b\nc\n"
-        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a@cell"};
-    QTest::newRow("the first line of the list is taken even when it begins with @")
-        << NAMES + LIST + "@OTHER_KEYWORD\nvalue\n"
-        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "@OTHER_KEYWORD", "value"};
-    QTest::newRow("blank lines are counted as addresses")
-        << NAMES + LIST + "a@cell\n\nb@cell\n\n"
-        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a@cell", "", "b@cell", ""};
-    QTest::newRow("keyword of the list with nothing behind it: no address")
-        << NAMES + LIST << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM"};
-    QTest::newRow("the same without its line feed")
-        << NAMES + "@REPORT_EMAIL_LIST_KEYWORD"
-        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM"};
-    QTest::newRow("a keyword that is missing leaves its name empty")
-        << "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n@HUMIDITY_KEYWORD\nCELL_HUM\n" + LIST + "a\n"
-        << QList<QByteArray>{"CELL_TEMP", "", "CELL_HUM", "a"};
-    QTest::newRow("a keyword at the end becomes its own value")
-        << LIST + "a@cell\n@HUMIDITY_KEYWORD\nCELL_HUM\n@ROOM_TEMP_KEYWORD"
-        << QList<QByteArray>{"@ROOM_TEMP_KEYWORD", "", "CELL_HUM", "a@cell"};
-    QTest::newRow("keyword as a value")
-        << "@ROOM_TEMP_KEYWORD\n@BAROMETER_KEYWORD\n@BAROMETER_KEYWORD\nCELL_BARO\n"
-           "@HUMIDITY_KEYWORD\nCELL_HUM\n" +
-               LIST + "a\n"
-        << QList<QByteArray>{"@BAROMETER_KEYWORD", "CELL_BARO", "CELL_HUM", "a"};
-    QTest::newRow("keywords count whole, and case counts")
-        << "@ROOM_TEMP_KEYWORD2\n1\n @ROOM_TEMP_KEYWORD\n2\n@room_temp_keyword\n3\n" + NAMES +
-               LIST + "a\n"
-        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a"};
+    row("as written", NAMES + LIST + "a@cell\nb@cell\n", both);
+    row("no final line feed", NAMES + LIST + "a@cell\nb@cell", both);
+    row("carriage returns", QByteArray(NAMES + LIST + "a@cell\nb@cell\n").replace("\n", "\r\n"),
+        both);
+    row("the list first", LIST + "a@cell\nb@cell\n" + NAMES, both);
+    row("names the other way round",
+        "@HUMIDITY_KEYWORD\nCELL_HUM\n@BAROMETER_KEYWORD\nCELL_BARO\n"
+        "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n" +
+            LIST + "a@cell\nb@cell\n",
+        both);
+    row("a further keyword ends the list",
+        NAMES + LIST + "a@cell\nb@cell\n@OTHER_KEYWORD\nc@cell\n", both);
+    row("comments between the pairs",
+        "# a comment\n" + NAMES + "\n# another\n" + LIST + "a@cell\nb@cell\n", both);
+    row("a name that comes twice: the first",
+        "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n@ROOM_TEMP_KEYWORD\nSECOND\n" + NAMES.mid(29) + LIST +
+            "a@cell\nb@cell\n",
+        both);
+    row("a list that comes twice: the first", NAMES + LIST + "a@cell\nb@cell\n" + LIST + "c@cell\n",
+        both);
+    row("zero bytes end a value",
+        QByteArray("@ROOM_TEMP_KEYWORD\nCELL_TEMP\0x\n", 31) + NAMES.mid(29) + LIST +
+            QByteArray("a@cell\0\0\nb@cell\n", 16),
+        both);
+    row("blanks stay", NAMES + LIST + " a@cell \n\tb\n",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", " a@cell ", "\tb"});
+    row("UTF-8",
+        "@ROOM_TEMP_KEYWORD\n" + QByteArray("Zelle 1 °C\n") + NAMES.mid(29) + LIST + "ä@cell\n",
+        QList<QByteArray>{"Zelle 1 °C", "CELL_BARO", "CELL_HUM", "ä@cell"});
+    row("an address that begins with @ behind the first ends the list",
+        NAMES + LIST + "a@cell\n@b\nc\n",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a@cell"});
+    row("the first line of the list is taken even when it begins with @",
+        NAMES + LIST + "@OTHER_KEYWORD\nvalue\n",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "@OTHER_KEYWORD", "value"});
+    row("blank lines are counted as addresses", NAMES + LIST + "a@cell\n\nb@cell\n\n",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a@cell", "", "b@cell", ""});
+    row("keyword of the list with nothing behind it: no address", NAMES + LIST,
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM"});
+    row("the same without its line feed", NAMES + "@REPORT_EMAIL_LIST_KEYWORD",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM"});
+    row("a keyword that is missing leaves its name empty",
+        "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n@HUMIDITY_KEYWORD\nCELL_HUM\n" + LIST + "a\n",
+        QList<QByteArray>{"CELL_TEMP", "", "CELL_HUM", "a"});
+    row("a keyword at the end becomes its own value",
+        LIST + "a@cell\n@HUMIDITY_KEYWORD\nCELL_HUM\n@ROOM_TEMP_KEYWORD",
+        QList<QByteArray>{"@ROOM_TEMP_KEYWORD", "", "CELL_HUM", "a@cell"});
+    row("keyword as a value",
+        "@ROOM_TEMP_KEYWORD\n@BAROMETER_KEYWORD\n@BAROMETER_KEYWORD\nCELL_BARO\n"
+        "@HUMIDITY_KEYWORD\nCELL_HUM\n" +
+            LIST + "a\n",
+        QList<QByteArray>{"@BAROMETER_KEYWORD", "CELL_BARO", "CELL_HUM", "a"});
+    row("keywords count whole, and case counts",
+        "@ROOM_TEMP_KEYWORD2\n1\n @ROOM_TEMP_KEYWORD\n2\n@room_temp_keyword\n3\n" + NAMES + LIST +
+            "a\n",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "CELL_HUM", "a"});
 }
 
 void SpecsFile::file_is_read()
@@ -189,21 +182,19 @@ void SpecsFile::names_without_the_keyword_of_the_list()
 
 void SpecsFile::keywords_missing_beside_that_of_the_list_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QList<QByteArray>>("texts");
+    const auto row = test_columns<QByteArray, QList<QByteArray>>("content", "texts");
     const QByteArray temperature = "@ROOM_TEMP_KEYWORD\nCELL_TEMP\n";
     const QByteArray barometer = "@BAROMETER_KEYWORD\nCELL_BARO\n";
-    QTest::newRow("the humidity's: the barometer's line is the address")
-        << temperature + barometer << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "", "CELL_BARO"};
-    QTest::newRow("the humidity's, with lines behind")
-        << temperature + barometer + "x\ny\n@Z\nz\n"
-        << QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "", "CELL_BARO", "x", "y"};
-    QTest::newRow("the humidity's and the barometer's: the temperature's line")
-        << temperature << QList<QByteArray>{"CELL_TEMP", "", "", "CELL_TEMP"};
-    QTest::newRow("the temperature's and the humidity's: the barometer's line")
-        << barometer << QList<QByteArray>{"", "CELL_BARO", "", "CELL_BARO"};
-    QTest::newRow("all: an empty text, then the file from its begin")
-        << QByteArray("x\ny\n") << QList<QByteArray>{"", "", "", "", "x", "y"};
+    row("the humidity's: the barometer's line is the address", temperature + barometer,
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "", "CELL_BARO"});
+    row("the humidity's, with lines behind", temperature + barometer + "x\ny\n@Z\nz\n",
+        QList<QByteArray>{"CELL_TEMP", "CELL_BARO", "", "CELL_BARO", "x", "y"});
+    row("the humidity's and the barometer's: the temperature's line", temperature,
+        QList<QByteArray>{"CELL_TEMP", "", "", "CELL_TEMP"});
+    row("the temperature's and the humidity's: the barometer's line", barometer,
+        QList<QByteArray>{"", "CELL_BARO", "", "CELL_BARO"});
+    row("all: an empty text, then the file from its begin", QByteArray("x\ny\n"),
+        QList<QByteArray>{"", "", "", "", "x", "y"});
 }
 
 void SpecsFile::keywords_missing_beside_that_of_the_list()
@@ -258,15 +249,13 @@ void SpecsFile::at_most_25_addresses()
 
 void SpecsFile::long_lines_data()
 {
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<int>("kept_of_name");
-    QTest::addColumn<int>("kept_of_address");
-    QTest::newRow("79 bytes") << QByteArray(79, 'n') << 79 << 79;
-    QTest::newRow("80 bytes") << QByteArray(80, 'n') << 79 << 80;
-    QTest::newRow("1023 bytes") << QByteArray(1023, 'n') << 79 << 1023;
-    QTest::newRow("1024 bytes") << QByteArray(1024, 'n') << 79 << 1023;
-    QTest::newRow("a megabyte") << QByteArray(1 << 20, 'n') << 79 << 1023;
-    QTest::newRow("never half a character") << QByteArray("°").repeated(600) << 78 << 1022;
+    const auto row = test_columns<QByteArray, int, int>("line", "kept_of_name", "kept_of_address");
+    row("79 bytes", QByteArray(79, 'n'), 79, 79);
+    row("80 bytes", QByteArray(80, 'n'), 79, 80);
+    row("1023 bytes", QByteArray(1023, 'n'), 79, 1023);
+    row("1024 bytes", QByteArray(1024, 'n'), 79, 1023);
+    row("a megabyte", QByteArray(1 << 20, 'n'), 79, 1023);
+    row("never half a character", QByteArray("°").repeated(600), 78, 1022);
 }
 
 void SpecsFile::long_lines()
@@ -330,10 +319,9 @@ void SpecsFile::free_slots_are_not_written()
 
 void SpecsFile::failed_write_is_logged_data()
 {
-    QTest::addColumn<bool>("full");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("cannot be opened") << false << "Is a directory";
-    QTest::newRow("disc full") << true << "No space left on device";
+    const auto row = test_columns<bool, QString>("full", "reason");
+    row("cannot be opened", false, "Is a directory");
+    row("disc full", true, "No space left on device");
 }
 
 void SpecsFile::failed_write_is_logged()
@@ -353,19 +341,20 @@ void SpecsFile::failed_write_is_logged()
 
 void SpecsFile::text_of_the_record_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("ASCII") << QByteArray("CELL_TEMP") << "CELL_TEMP";
-    QTest::newRow("empty") << QByteArray() << "";
-    QTest::newRow("UTF-8, from the file") << QByteArray("Zelle °C") << QString("Zelle °C");
-    QTest::newRow("Latin-1, from the dialog") << QByteArray("Zelle \xb0"
-                                                            "C")
-                                              << QString("Zelle °C");
-    QTest::newRow("Latin-1 at the end") << QByteArray("\xb0\xe4") << QString("°ä");
-    QTest::newRow("begins like UTF-8") << QByteArray("\xc3") << QString("Ã");
-    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf"
-                                                   "A")
-                                     << QString(QChar(0xfeff)) + "A";
+    const auto row = test_columns<QByteArray, QString>("bytes", "text");
+    row("ASCII", QByteArray("CELL_TEMP"), "CELL_TEMP");
+    row("empty", QByteArray(), "");
+    row("UTF-8, from the file", QByteArray("Zelle °C"), QString("Zelle °C"));
+    row("Latin-1, from the dialog",
+        QByteArray("Zelle \xb0"
+                   "C"),
+        QString("Zelle °C"));
+    row("Latin-1 at the end", QByteArray("\xb0\xe4"), QString("°ä"));
+    row("begins like UTF-8", QByteArray("\xc3"), QString("Ã"));
+    row("byte order mark",
+        QByteArray("\xef\xbb\xbf"
+                   "A"),
+        QString(QChar(0xfeff)) + "A");
 }
 
 void SpecsFile::text_of_the_record()
@@ -381,20 +370,18 @@ void SpecsFile::text_of_the_record()
 
 void SpecsFile::count_out_of_range_data()
 {
-    QTest::addColumn<int>("stored");
-    QTest::addColumn<int>("count");
-    QTest::newRow("negative") << -1 << 0;
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("all") << 25 << 25;
-    QTest::newRow("more than there are") << 26 << 25;
+    const auto row = test_columns<int, int>("stored", "count");
+    row("negative", -1, 0);
+    row("none", 0, 0);
+    row("all", 25, 25);
+    row("more than there are", 26, 25);
 }
 
 void SpecsFile::count_out_of_range()
 {
     QFETCH(int, stored);
-    QFETCH(int, count);
     m_specs.report_email_count = stored;
-    QCOMPARE(specs_email_count(m_specs), count);
+    QTEST(specs_email_count(m_specs), "count");
 }
 
 void SpecsFile::humidity_stands_before_barometer_in_the_record()

@@ -144,8 +144,8 @@ void WorkingStandardFile::file_of_eleven_lines()
 
 void WorkingStandardFile::reading_data()
 {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("values"); // make, model, calibration date, serial number, range
+    // values: make, model, calibration date, serial number, range
+    test_columns<QByteArray, QString>("file", "values");
     const auto row = [](const char *name, const QByteArray &file, const char *values) {
         QTest::newRow(name) << file << QString::fromUtf8(values);
     };
@@ -339,19 +339,16 @@ void WorkingStandardFile::second_write_replaces_the_whole_file()
 
 void WorkingStandardFile::paths_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("path");
-    QTest::newRow("plain") << "DW-12" << QByteArray("/specs/working_standards/DW-12.txt");
-    QTest::newRow("blanks and a dot")
-        << " a b.c " << QByteArray("/specs/working_standards/ a b.c .txt");
-    QTest::newRow("percent signs") << "%1%2%s" << QByteArray("/specs/working_standards/%1%2%s.txt");
-    QTest::newRow("path separator")
-        << "../a/b" << QByteArray("/specs/working_standards/../a/b.txt");
-    QTest::newRow("UTF-8") << QString::fromUtf8("\xc3\x84")
-                           << QByteArray("/specs/working_standards/\xc3\x84.txt");
-    QTest::newRow("empty") << "" << QByteArray("/specs/working_standards/.txt");
-    QTest::newRow("303 bytes") << QString(274, 'n')
-                               << "/specs/working_standards/" + QByteArray(274, 'n') + ".txt";
+    const auto row = test_columns<QString, QByteArray>("name", "path");
+    row("plain", "DW-12", QByteArray("/specs/working_standards/DW-12.txt"));
+    row("blanks and a dot", " a b.c ", QByteArray("/specs/working_standards/ a b.c .txt"));
+    row("percent signs", "%1%2%s", QByteArray("/specs/working_standards/%1%2%s.txt"));
+    row("path separator", "../a/b", QByteArray("/specs/working_standards/../a/b.txt"));
+    row("UTF-8", QString::fromUtf8("\xc3\x84"),
+        QByteArray("/specs/working_standards/\xc3\x84.txt"));
+    row("empty", "", QByteArray("/specs/working_standards/.txt"));
+    row("303 bytes", QString(274, 'n'),
+        "/specs/working_standards/" + QByteArray(274, 'n') + ".txt");
 }
 
 void WorkingStandardFile::paths()
@@ -391,14 +388,10 @@ void WorkingStandardFile::name_with_a_path_separator_is_not_refused()
 
 void WorkingStandardFile::failed_write_is_logged_data()
 {
-    QTest::addColumn<QString>("obstacle");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("no folder") << "no folder"
-                               << "No such file or directory";
-    QTest::newRow("a folder of that name") << "folder"
-                                           << "Is a directory";
-    QTest::newRow("full disc") << "/dev/full"
-                               << "No space left on device";
+    const auto row = test_columns<QString, QString>("obstacle", "reason");
+    row("no folder", "no folder", "No such file or directory");
+    row("a folder of that name", "folder", "Is a directory");
+    row("full disc", "/dev/full", "No space left on device");
 }
 
 void WorkingStandardFile::failed_write_is_logged()

@@ -56,29 +56,28 @@ private slots:
 
 void LinearityAccuracy::rounding_is_printing_and_reading_back_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("rounded");
-    QTest::newRow("zero") << 0.0 << 0.0;
-    QTest::newRow("whole") << 17.0 << 17.0;
-    QTest::newRow("8 decimals stay") << 0.12345678 << 0.12345678;
-    QTest::newRow("below the half") << 1.000000004999 << 1.0;
-    QTest::newRow("above the half") << 1.000000005001 << 1.00000001;
-    QTest::newRow("exactly the half goes away from zero") << 1.0 / 512 << 0.00195313;
-    QTest::newRow("so does a negative one") << -1.0 / 512 << -0.00195313;
-    QTest::newRow("just below an exact half") << std::nextafter(1.0 / 512, 0.0) << 0.00195312;
-    QTest::newRow("0.5e-8 is not exact and lies above") << 0.5e-8 << 1e-8;
-    QTest::newRow("1.5e-8 is not exact and lies below") << 1.5e-8 << 1e-8;
-    QTest::newRow("smallest of all") << 5e-324 << 0.0;
-    QTest::newRow("where the scaled value loses its half") << 45035996.5 << 45035996.5;
-    QTest::newRow("a half behind it") << 50000000.0 + 1.0 / 512 << 50000000.00195313;
-    QTest::newRow("so does a negative one there") << -50000000.0 - 1.0 / 512 << -50000000.00195313;
-    QTest::newRow("where decimals end") << 67108864.0 << 67108864.0;
-    QTest::newRow("just before") << std::nextafter(67108864.0, 0.0) << 67108863.99999999;
-    QTest::newRow("large") << 123456789.123456789 << 123456789.12345679;
-    QTest::newRow("larger than its decimals") << 1e300 << 1e300;
-    QTest::newRow("infinite") << INF << INF;
-    QTest::newRow("infinite, negative") << -INF << -INF;
-    QTest::newRow("NaN") << std::nan("") << std::nan("");
+    const auto row = test_columns<double, double>("value", "rounded");
+    row("zero", 0.0, 0.0);
+    row("whole", 17.0, 17.0);
+    row("8 decimals stay", 0.12345678, 0.12345678);
+    row("below the half", 1.000000004999, 1.0);
+    row("above the half", 1.000000005001, 1.00000001);
+    row("exactly the half goes away from zero", 1.0 / 512, 0.00195313);
+    row("so does a negative one", -1.0 / 512, -0.00195313);
+    row("just below an exact half", std::nextafter(1.0 / 512, 0.0), 0.00195312);
+    row("0.5e-8 is not exact and lies above", 0.5e-8, 1e-8);
+    row("1.5e-8 is not exact and lies below", 1.5e-8, 1e-8);
+    row("smallest of all", 5e-324, 0.0);
+    row("where the scaled value loses its half", 45035996.5, 45035996.5);
+    row("a half behind it", 50000000.0 + 1.0 / 512, 50000000.00195313);
+    row("so does a negative one there", -50000000.0 - 1.0 / 512, -50000000.00195313);
+    row("where decimals end", 67108864.0, 67108864.0);
+    row("just before", std::nextafter(67108864.0, 0.0), 67108863.99999999);
+    row("large", 123456789.123456789, 123456789.12345679);
+    row("larger than its decimals", 1e300, 1e300);
+    row("infinite", INF, INF);
+    row("infinite, negative", -INF, -INF);
+    row("NaN", std::nan(""), std::nan(""));
 }
 
 void LinearityAccuracy::rounding_is_printing_and_reading_back()
@@ -136,12 +135,10 @@ void LinearityAccuracy::rounding_of_many_large_values()
 // 1 is less than 2e-5, so nothing of that loss is left in its 15.
 void LinearityAccuracy::nist_line_data()
 {
-    QTest::addColumn<double>("slope");
-    QTest::addColumn<double>("intercept");
-    QTest::addColumn<double>("r_squared");
-    QTest::addColumn<double>("standard_error");
-    QTest::newRow("Norris") << 1e-15 << 1e-12 << 1e-15 << 1e-13;
-    QTest::newRow("Pontius") << 1e-15 << 1e-12 << 1e-15 << 1e-13;
+    const auto row = test_columns<double, double, double, double>("slope", "intercept", "r_squared",
+                                                                  "standard_error");
+    row("Norris", 1e-15, 1e-12, 1e-15, 1e-13);
+    row("Pontius", 1e-15, 1e-12, 1e-15, 1e-13);
 }
 
 void LinearityAccuracy::nist_line()

@@ -50,7 +50,7 @@ class LinearityDump : public QObject
 
 private slots:
     void initTestCase();
-    void init();
+    void init() { clear_cell(); }
     void golden_files_are_what_the_script_makes();
     void golden_data();
     void golden();
@@ -79,11 +79,6 @@ void LinearityDump::initTestCase()
     // Born zero, before anything has run.
     static const LINE_RPT zero = {};
     QCOMPARE(std::memcmp(&g_line_rpt, &zero, sizeof zero), 0);
-}
-
-void LinearityDump::init()
-{
-    clear_cell();
 }
 
 void LinearityDump::golden_files_are_what_the_script_makes()
@@ -149,20 +144,17 @@ void LinearityDump::reference_values_are_those_of_the_first_point()
 
 void LinearityDump::path_data()
 {
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<QDateTime>("now");
-    QTest::addColumn<QByteArray>("path");
-    QTest::newRow("afternoon") << QByteArray("oil") << QDateTime({2024, 3, 5}, {14, 7, 9})
-                               << QByteArray("/ram/oil03052024140709.html");
-    QTest::newRow("last second of a year")
-        << QByteArray("oil_2") << QDateTime({2023, 12, 31}, {23, 59, 59})
-        << QByteArray("/ram/oil_212312023235959.html");
-    QTest::newRow("nameless") << QByteArray() << QDateTime({2024, 1, 2}, {3, 4, 5})
-                              << QByteArray("/ram/01022024030405.html");
-    QTest::newRow("signs of a pattern and bytes that are no UTF-8")
-        << QByteArray("%1%2\xb0") << QDateTime({2024, 1, 2}, {3, 4, 5})
-        << QByteArray("/ram/%1%2\xb0"
-                      "01022024030405.html");
+    const auto row = test_columns<QByteArray, QDateTime, QByteArray>("table", "now", "path");
+    row("afternoon", QByteArray("oil"), QDateTime({2024, 3, 5}, {14, 7, 9}),
+        QByteArray("/ram/oil03052024140709.html"));
+    row("last second of a year", QByteArray("oil_2"), QDateTime({2023, 12, 31}, {23, 59, 59}),
+        QByteArray("/ram/oil_212312023235959.html"));
+    row("nameless", QByteArray(), QDateTime({2024, 1, 2}, {3, 4, 5}),
+        QByteArray("/ram/01022024030405.html"));
+    row("signs of a pattern and bytes that are no UTF-8", QByteArray("%1%2\xb0"),
+        QDateTime({2024, 1, 2}, {3, 4, 5}),
+        QByteArray("/ram/%1%2\xb0"
+                   "01022024030405.html"));
 }
 
 void LinearityDump::path()

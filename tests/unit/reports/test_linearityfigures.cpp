@@ -63,15 +63,8 @@ private slots:
 
 void LinearityFiguresTest::units_data()
 {
-    QTest::addColumn<QByteArray>("units");
-    QTest::addColumn<QByteArray>("upper");
-    QTest::addColumn<double>("offset");
-    QTest::addColumn<QByteArray>("absolute");
-    const auto row = [](const char *name, const char *units, const char *upper, double offset,
-                        const char *absolute) {
-        QTest::newRow(name) << QByteArray(units) << QByteArray(upper) << offset
-                            << QByteArray(absolute);
-    };
+    const auto row = test_columns<QByteArray, QByteArray, double, QByteArray>("units", "upper",
+                                                                              "offset", "absolute");
     row("Fahrenheit", "DEG_F", "DEG_F", 459.69, "deg R");
     row("Fahrenheit in small letters", "deg_f", "DEG_F", 459.69, "deg R");
     row("Celsius", "DEG_C", "DEG_C", 273.15, "Kelvin");
@@ -291,14 +284,13 @@ void LinearityFiguresTest::x_max_is_not_the_largest_reference()
 
 void LinearityFiguresTest::counts_outside_what_a_session_holds_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("read");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("fewer than none") << -1 << 0;
-    QTest::newRow("the least of 16 bits") << -32768 << 0;
-    QTest::newRow("all") << 64 << 64;
-    QTest::newRow("one too many") << 65 << 64;
-    QTest::newRow("the most of 16 bits") << 32767 << 64;
+    const auto row = test_columns<int, int>("count", "read");
+    row("none", 0, 0);
+    row("fewer than none", -1, 0);
+    row("the least of 16 bits", -32768, 0);
+    row("all", 64, 64);
+    row("one too many", 65, 64);
+    row("the most of 16 bits", 32767, 64);
 }
 
 void LinearityFiguresTest::counts_outside_what_a_session_holds()
@@ -346,14 +338,13 @@ void LinearityFiguresTest::what_is_not_computed_is_kept()
 
 void LinearityFiguresTest::check_of_the_intercept_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("passes");
-    QTest::newRow("zero") << 0.0 << true;
-    QTest::newRow("on the limit") << 0.01 << true;
-    QTest::newRow("just past the limit") << std::nextafter(0.01, 1.0) << false;
-    QTest::newRow("negative, with a negative X max") << -5.0 << true;
-    QTest::newRow("NaN") << std::nan("") << false;
-    QTest::newRow("infinite") << INF << false;
+    const auto row = test_columns<double, bool>("value", "passes");
+    row("zero", 0.0, true);
+    row("on the limit", 0.01, true);
+    row("just past the limit", std::nextafter(0.01, 1.0), false);
+    row("negative, with a negative X max", -5.0, true);
+    row("NaN", std::nan(""), false);
+    row("infinite", INF, false);
 }
 
 void LinearityFiguresTest::check_of_the_intercept()
@@ -364,19 +355,18 @@ void LinearityFiguresTest::check_of_the_intercept()
 
 void LinearityFiguresTest::check_of_the_slope_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("passes");
-    QTest::newRow("0.49") << 0.49 << false;
-    QTest::newRow("just below a half") << std::nextafter(0.5, 0.0) << false;
-    QTest::newRow("0.5") << 0.5 << true;
-    QTest::newRow("0.98") << 0.98 << true;
-    QTest::newRow("1") << 1.0 << true;
-    QTest::newRow("1.49") << 1.49 << true;
-    QTest::newRow("just below one and a half") << std::nextafter(1.5, 0.0) << true;
-    QTest::newRow("1.5") << 1.5 << false;
-    QTest::newRow("1.6") << 1.6 << false;
-    QTest::newRow("-1") << -1.0 << false;
-    QTest::newRow("NaN") << std::nan("") << false;
+    const auto row = test_columns<double, bool>("value", "passes");
+    row("0.49", 0.49, false);
+    row("just below a half", std::nextafter(0.5, 0.0), false);
+    row("0.5", 0.5, true);
+    row("0.98", 0.98, true);
+    row("1", 1.0, true);
+    row("1.49", 1.49, true);
+    row("just below one and a half", std::nextafter(1.5, 0.0), true);
+    row("1.5", 1.5, false);
+    row("1.6", 1.6, false);
+    row("-1", -1.0, false);
+    row("NaN", std::nan(""), false);
 }
 
 void LinearityFiguresTest::check_of_the_slope()
@@ -387,13 +377,12 @@ void LinearityFiguresTest::check_of_the_slope()
 
 void LinearityFiguresTest::check_of_the_standard_error_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("passes");
-    QTest::newRow("zero") << 0.0 << true;
-    QTest::newRow("just below the limit") << std::nextafter(0.01, 0.0) << true;
-    QTest::newRow("on the limit") << 0.01 << false;
-    QTest::newRow("NaN") << std::nan("") << false;
-    QTest::newRow("infinite") << INF << false;
+    const auto row = test_columns<double, bool>("value", "passes");
+    row("zero", 0.0, true);
+    row("just below the limit", std::nextafter(0.01, 0.0), true);
+    row("on the limit", 0.01, false);
+    row("NaN", std::nan(""), false);
+    row("infinite", INF, false);
 }
 
 void LinearityFiguresTest::check_of_the_standard_error()
@@ -404,14 +393,13 @@ void LinearityFiguresTest::check_of_the_standard_error()
 
 void LinearityFiguresTest::check_of_r_squared_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("passes");
-    QTest::newRow("one") << 1.0 << true;
-    QTest::newRow("a half") << 0.5 << true;
-    QTest::newRow("just below a half") << std::nextafter(0.5, 0.0) << false;
-    QTest::newRow("negative") << -3.0 << false;
-    QTest::newRow("NaN") << std::nan("") << false;
-    QTest::newRow("infinite, negative") << -INF << false;
+    const auto row = test_columns<double, bool>("value", "passes");
+    row("one", 1.0, true);
+    row("a half", 0.5, true);
+    row("just below a half", std::nextafter(0.5, 0.0), false);
+    row("negative", -3.0, false);
+    row("NaN", std::nan(""), false);
+    row("infinite, negative", -INF, false);
 }
 
 void LinearityFiguresTest::check_of_r_squared()

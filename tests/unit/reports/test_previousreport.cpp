@@ -45,18 +45,15 @@ void PreviousReportPath::path_has_table_and_day_of_the_last_calibration()
 
 void PreviousReportPath::day_is_the_local_one_data()
 {
-    QTest::addColumn<qint64>("seconds");
-    QTest::addColumn<QByteArray>("day");
-    QTest::newRow("noon of 5 March in UTC") << Q_INT64_C(1709640000) << QByteArray("03062024");
-    QTest::newRow("last second of the local day")
-        << Q_INT64_C(1709632799) << QByteArray("03052024");
-    QTest::newRow("first second of the local day")
-        << Q_INT64_C(1709632800) << QByteArray("03062024");
-    QTest::newRow("the last second of 31 bits") << Q_INT64_C(0x7fffffff) << QByteArray("01192038");
-    QTest::newRow("the first of 32 bits") << Q_INT64_C(0x80000000) << QByteArray("01192038");
-    QTest::newRow("the last of 32 bits") << Q_INT64_C(0xffffffff) << QByteArray("02072106");
-    QTest::newRow("beyond 32 bits begins anew") << Q_INT64_C(0x100000000) << QByteArray("01011970");
-    QTest::newRow("before the epoch") << Q_INT64_C(-1) << QByteArray("02072106");
+    const auto row = test_columns<qint64, QByteArray>("seconds", "day");
+    row("noon of 5 March in UTC", Q_INT64_C(1709640000), QByteArray("03062024"));
+    row("last second of the local day", Q_INT64_C(1709632799), QByteArray("03052024"));
+    row("first second of the local day", Q_INT64_C(1709632800), QByteArray("03062024"));
+    row("the last second of 31 bits", Q_INT64_C(0x7fffffff), QByteArray("01192038"));
+    row("the first of 32 bits", Q_INT64_C(0x80000000), QByteArray("01192038"));
+    row("the last of 32 bits", Q_INT64_C(0xffffffff), QByteArray("02072106"));
+    row("beyond 32 bits begins anew", Q_INT64_C(0x100000000), QByteArray("01011970"));
+    row("before the epoch", Q_INT64_C(-1), QByteArray("02072106"));
 }
 
 void PreviousReportPath::day_is_the_local_one()
@@ -87,17 +84,15 @@ void PreviousReportPath::table_that_was_never_calibrated()
 
 void PreviousReportPath::command_data()
 {
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<QByteArray>("command");
+    const auto row = test_columns<QByteArray, QByteArray>("path", "command");
     const QByteArray long_path(250, 'a');
-    QTest::newRow("plain") << QByteArray("/a/b_c.html") << QByteArray("firefox /a/b_c.html");
-    QTest::newRow("quoted") << QByteArray("/a b") << QByteArray("firefox '/a b'");
-    QTest::newRow("quote within") << QByteArray("/it's") << QByteArray("firefox '/it'\\''s'");
-    QTest::newRow("fits in 200 bytes")
-        << long_path.left(191) << QByteArray("firefox " + long_path.left(191));
-    QTest::newRow("longer is cut") << long_path << QByteArray("firefox " + long_path.left(191));
-    QTest::newRow("quoted stays whole")
-        << QByteArray(" " + long_path) << QByteArray("firefox ' " + long_path + "'");
+    row("plain", QByteArray("/a/b_c.html"), QByteArray("firefox /a/b_c.html"));
+    row("quoted", QByteArray("/a b"), QByteArray("firefox '/a b'"));
+    row("quote within", QByteArray("/it's"), QByteArray("firefox '/it'\\''s'"));
+    row("fits in 200 bytes", long_path.left(191), QByteArray("firefox " + long_path.left(191)));
+    row("longer is cut", long_path, QByteArray("firefox " + long_path.left(191)));
+    row("quoted stays whole", QByteArray(" " + long_path),
+        QByteArray("firefox ' " + long_path + "'"));
 }
 
 void PreviousReportPath::command()

@@ -102,14 +102,11 @@ void ReportDocument::document_of_two_points()
 
 void ReportDocument::slope_data()
 {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QByteArray>("plain");
-    QTest::addColumn<QByteArray>("rounded");
-    QTest::addColumn<QByteArray>("verdict");
-    const auto row = [](const char *name, const char *plain, const char *rounded,
-                        const char *verdict) {
-        QTest::newRow(plain) << QByteArray(name) << QByteArray(plain) << QByteArray(rounded)
-                             << QByteArray(verdict);
+    const auto add = test_columns<QByteArray, QByteArray, QByteArray, QByteArray>(
+        "name", "plain", "rounded", "verdict");
+    const auto row = [&](const char *name, const char *plain, const char *rounded,
+                         const char *verdict) {
+        add(plain, QByteArray(name), QByteArray(plain), QByteArray(rounded), QByteArray(verdict));
     };
     row("slope_0_49", "0.49", "0.00", "FAIL");
     row("slope_0_5", "0.5", "1.00", "PASS");
@@ -156,17 +153,14 @@ void ReportDocument::temperature_that_is_not_defined()
 
 void ReportDocument::verification_date_data()
 {
-    QTest::addColumn<QByteArray>("stamp");
-    QTest::addColumn<QByteArray>("day");
-    QTest::addColumn<QByteArray>("time");
-    QTest::newRow("a moment") << QByteArray("03/05/2024 14:07:09") << QByteArray("03/05/2024")
-                              << QByteArray("14:07:09");
-    QTest::newRow("not recorded") << QByteArray() << QByteArray() << QByteArray();
-    QTest::newRow("no moment") << QByteArray("yesterday") << QByteArray() << QByteArray();
-    QTest::newRow("no such day") << QByteArray("02/30/2024 10:00:00") << QByteArray()
-                                 << QByteArray();
-    QTest::newRow("day and month changed about")
-        << QByteArray("2024-03-05 14:07:09") << QByteArray() << QByteArray();
+    const auto row = test_columns<QByteArray, QByteArray, QByteArray>("stamp", "day", "time");
+    row("a moment", QByteArray("03/05/2024 14:07:09"), QByteArray("03/05/2024"),
+        QByteArray("14:07:09"));
+    row("not recorded", QByteArray(), QByteArray(), QByteArray());
+    row("no moment", QByteArray("yesterday"), QByteArray(), QByteArray());
+    row("no such day", QByteArray("02/30/2024 10:00:00"), QByteArray(), QByteArray());
+    row("day and month changed about", QByteArray("2024-03-05 14:07:09"), QByteArray(),
+        QByteArray());
 }
 
 void ReportDocument::verification_date()

@@ -30,7 +30,7 @@ class SensorRange : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { QCOMPARE(units_init_access(1) & 0xffff, 0); }
     void record_reason_data();
     void record_reason();
     void form_reason_data();
@@ -44,22 +44,10 @@ private slots:
     void refusal_keeps_percent_signs_in_units();
 };
 
-void SensorRange::initTestCase()
-{
-    QCOMPARE(units_init_access(1) & 0xffff, 0);
-}
-
 void SensorRange::record_reason_data()
 {
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::addColumn<QByteArray>("sensor");
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<uint>("reason");
-    const auto row = [](const char *name, double min, double max, const char *sensor,
-                        const char *table, uint reason) {
-        QTest::newRow(name) << min << max << QByteArray(sensor) << QByteArray(table) << reason;
-    };
+    const auto row = test_columns<double, double, QByteArray, QByteArray, uint>(
+        "min", "max", "sensor", "table", "reason");
     const double nan = qQNaN();
     row("valid", 0, 100, "kPa", "kPa", 0);
     row("valid in another unit of the dimension", 0, 100, "PSI", "kPa", 0);
@@ -101,14 +89,8 @@ void SensorRange::record_reason()
 
 void SensorRange::form_reason_data()
 {
-    QTest::addColumn<QString>("lower");
-    QTest::addColumn<QString>("upper");
-    QTest::addColumn<QString>("units");
-    QTest::addColumn<uint>("reason");
-    const auto row = [](const char *name, const char *lower, const char *upper, const char *units,
-                        uint reason) {
-        QTest::newRow(name) << QString(lower) << QString(upper) << QString(units) << reason;
-    };
+    const auto row =
+        test_columns<QString, QString, QString, uint>("lower", "upper", "units", "reason");
     // The table's units are kPa throughout.
     row("valid", "0", "100", "kPa", 0);
     row("valid with blanks around", "    0.00", "  100.00 ", "kPa", 0);
@@ -133,9 +115,15 @@ void SensorRange::form_reason_data()
     row("blanks around a number", " 5 ", "50", "kPa", 0);
     row("a comma reads as 0", "5,0", "0", "kPa", 2);
     row("a comma", "5,0", "50", "kPa", 4);
+    row("far below zero", "-1e400", "100", "kPa", 4);
+    row("two numbers", "0 5", "100", "kPa", 4);
+    row("a number and its unit", "-5", "100 kPa", "kPa", 4);
+    row("a number of base 16", "-5", "0x10", "kPa", 4);
     row("NAN in capitals", "NAN", "100", "kPa", 0);
     row("keyword of 16 characters", "0", "100", "kPakPakPakPakPak", 7);
     row("keyword of 16 characters with none in it", "0", "100", "kPakPanonekPakPa", 6);
+    row("keyword of 16 characters that begins as a known one", "0", "100", "kPa             ", 7);
+    row("keyword of 200 characters", "0", "100", QByteArray(200, 'k'), 7);
     row("keyword of blanks is not missing, and unknown", "0", "100", "   ", 7);
     row("units missing", "0", "100", "", 5);
     row("units none", "0", "100", "none", 6);
@@ -171,29 +159,28 @@ void SensorRange::close_limits_pass_the_form_and_fail_as_a_record()
 
 void SensorRange::update_text_data()
 {
-    QTest::addColumn<uint>("reason");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("valid has none") << 0u << QString();
-    QTest::newRow("reversed") << 1u
-                              << "The Sensor Lower Range Value is greater than the Upper Range "
-                                 "Value.\n\nPress OK to update Table Information";
-    QTest::newRow("the same") << 2u
-                              << "The Sensor Lower and Upper Range Values are the same.\n\n"
-                                 "Press OK to update Table Information";
-    QTest::newRow("no number") << 3u
-                               << "The Sensor Lower and Upper Range Values are INVALID and need to "
-                                  "be updated.\n\nPress OK to update Table Information";
-    QTest::newRow("unreadable has none") << 4u << QString();
-    QTest::newRow("units missing") << 5u
-                                   << "The Sensor Range Units must be specified.\n\n"
-                                      "Press OK to update Table Information";
-    QTest::newRow("units none") << 6u
-                                << "The Sensor Range Units = NONE and need to be updated.\n\n"
-                                   "Press OK to update Table Information";
-    QTest::newRow("units unlike") << 7u
-                                  << "The Sensor Range Units (DEG_F) are not compatible with the "
-                                     "table units (kPa).\n\nPress OK to update Table Information";
-    QTest::newRow("no such reason") << 8u << QString();
+    const auto row = test_columns<uint, QString>("reason", "text");
+    row("valid has none", 0u, QString());
+    row("reversed", 1u,
+        "The Sensor Lower Range Value is greater than the Upper Range "
+        "Value.\n\nPress OK to update Table Information");
+    row("the same", 2u,
+        "The Sensor Lower and Upper Range Values are the same.\n\n"
+        "Press OK to update Table Information");
+    row("no number", 3u,
+        "The Sensor Lower and Upper Range Values are INVALID and need to "
+        "be updated.\n\nPress OK to update Table Information");
+    row("unreadable has none", 4u, QString());
+    row("units missing", 5u,
+        "The Sensor Range Units must be specified.\n\n"
+        "Press OK to update Table Information");
+    row("units none", 6u,
+        "The Sensor Range Units = NONE and need to be updated.\n\n"
+        "Press OK to update Table Information");
+    row("units unlike", 7u,
+        "The Sensor Range Units (DEG_F) are not compatible with the "
+        "table units (kPa).\n\nPress OK to update Table Information");
+    row("no such reason", 8u, QString());
 }
 
 void SensorRange::update_text()
@@ -206,32 +193,30 @@ void SensorRange::refusal_data()
 {
     const QString values = "Invalid Sensor Range Limit VALUES";
     const QString units = "Invalid Sensor Range UNITS";
-    QTest::addColumn<uint>("reason");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("reversed") << 1u << values
-                              << "The entered value for the Sensor Range Lower Limit cannot be "
-                                 "more than the Sensor Range Upper Limit value\n\n"
-                                 "Please reenter the Limit Values.";
-    QTest::newRow("the same") << 2u << values
-                              << "The Sensor Range Lower and Upper Limit Values cannot be the "
-                                 "same\n\nPlease reenter the Limit Values.";
-    QTest::newRow("no number") << 3u << values
-                               << "NAN is not an acceptable value for the Sensor Range Lower or "
-                                  "Upper Limit Values\n\nPlease reenter the Limit Values.";
-    QTest::newRow("unreadable") << 4u << values
-                                << "Invalid data was entered for the Sensor Range Lower or Upper "
-                                   "Limit Values\n\nPlease reenter the Limit Values";
-    QTest::newRow("units missing") << 5u << units
-                                   << "The Sensor Range Units must be specified\n\n"
-                                      "Please reselect the Sensor Range Units.";
-    QTest::newRow("units none") << 6u << units
-                                << "The Sensor Range Units cannot be NONE\n\n"
-                                   "Please reselect the Sensor Range Units.";
-    QTest::newRow("units unlike") << 7u << units
-                                  << "The Sensor Range Units (DEG_F) are not compatible with the "
-                                     "table units (kPa).\n\n"
-                                     "Please reselect the Sensor Range Units.";
+    const auto row = test_columns<uint, QString, QString>("reason", "title", "text");
+    row("reversed", 1u, values,
+        "The entered value for the Sensor Range Lower Limit cannot be "
+        "more than the Sensor Range Upper Limit value\n\n"
+        "Please reenter the Limit Values.");
+    row("the same", 2u, values,
+        "The Sensor Range Lower and Upper Limit Values cannot be the "
+        "same\n\nPlease reenter the Limit Values.");
+    row("no number", 3u, values,
+        "NAN is not an acceptable value for the Sensor Range Lower or "
+        "Upper Limit Values\n\nPlease reenter the Limit Values.");
+    row("unreadable", 4u, values,
+        "Invalid data was entered for the Sensor Range Lower or Upper "
+        "Limit Values\n\nPlease reenter the Limit Values");
+    row("units missing", 5u, units,
+        "The Sensor Range Units must be specified\n\n"
+        "Please reselect the Sensor Range Units.");
+    row("units none", 6u, units,
+        "The Sensor Range Units cannot be NONE\n\n"
+        "Please reselect the Sensor Range Units.");
+    row("units unlike", 7u, units,
+        "The Sensor Range Units (DEG_F) are not compatible with the "
+        "table units (kPa).\n\n"
+        "Please reselect the Sensor Range Units.");
 }
 
 void SensorRange::refusal()

@@ -104,12 +104,11 @@ void TableUnits::values_follow_the_units()
 
 void TableUnits::number_of_points_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("converted");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("all") << 64 << 64;
-    QTest::newRow("more than there is room for") << 70 << 64;
-    QTest::newRow("less than none") << -1 << 0;
+    const auto row = test_columns<int, int>("count", "converted");
+    row("none", 0, 0);
+    row("all", 64, 64);
+    row("more than there is room for", 70, 64);
+    row("less than none", -1, 0);
 }
 
 void TableUnits::number_of_points()
@@ -132,12 +131,11 @@ void TableUnits::number_of_points()
 
 void TableUnits::unlike_and_unknown_units_pass_values_on_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::newRow("another dimension") << QByteArray("kPa") << QByteArray("DEG_C");
-    QTest::newRow("from no units") << QByteArray("") << QByteArray("kPa");
-    QTest::newRow("to the entry of an empty list") << QByteArray("kPa") << QByteArray(" <empty>");
-    QTest::newRow("unknown, 15 characters") << QByteArray("kPa") << QByteArray("ABCDEFGHIJKLMNO");
+    const auto row = test_columns<QByteArray, QByteArray>("from", "to");
+    row("another dimension", QByteArray("kPa"), QByteArray("DEG_C"));
+    row("from no units", QByteArray(""), QByteArray("kPa"));
+    row("to the entry of an empty list", QByteArray("kPa"), QByteArray(" <empty>"));
+    row("unknown, 15 characters", QByteArray("kPa"), QByteArray("ABCDEFGHIJKLMNO"));
 }
 
 void TableUnits::unlike_and_unknown_units_pass_values_on()
@@ -191,10 +189,9 @@ void TableUnits::there_and_back_over_every_pair()
 
 void TableUnits::display_class_data()
 {
-    QTest::addColumn<QByteArray>("keyword");
-    QTest::addColumn<int>("number");
-    const auto row = [](const char *keyword, int number) {
-        QTest::newRow(keyword) << QByteArray(keyword) << number;
+    const auto add = test_columns<QByteArray, int>("keyword", "number");
+    const auto row = [&](const char *keyword, int number) {
+        add(keyword, QByteArray(keyword), number);
     };
     row("%", 4);
     row("deg_F", 1);
@@ -223,8 +220,8 @@ void TableUnits::display_class_data()
     row("none", 5);
     row("FURLONG", 5);
     row(" <empty>", 5);
-    QTest::newRow("nothing") << QByteArray("") << 5;
-    QTest::newRow("16 characters") << QByteArray(16, 'P') << 5;
+    add("nothing", QByteArray(""), 5);
+    add("16 characters", QByteArray(16, 'P'), 5);
 }
 
 void TableUnits::display_class()

@@ -41,7 +41,7 @@ class Tolerances : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { QCOMPARE(units_init_access(1) & 0xffff, 0); }
     void init();
     void cleanup();
     void none_instance();
@@ -64,11 +64,6 @@ private slots:
     void refresh_stores_each_value_in_its_field();
     void refresh_overwrites_what_the_table_brought();
 };
-
-void Tolerances::initTestCase()
-{
-    QCOMPARE(units_init_access(1) & 0xffff, 0);
-}
 
 void Tolerances::init()
 {
@@ -96,21 +91,13 @@ void Tolerances::none_instance()
 
 void Tolerances::token_of_class_data()
 {
-    QTest::addColumn<int>("tolerance_class");
-    QTest::addColumn<QString>("tolerance");
-    QTest::addColumn<QString>("bias");
-    QTest::newRow("1 is out of adjustment") << 1 << ".25[PCT]"
-                                            << "4[PCT]";
-    QTest::newRow("2 is out of tolerance") << 2 << "1[PCT]"
-                                           << "5[PCT]";
-    QTest::newRow("3 is significantly out") << 3 << "2[PCT]"
-                                            << "6[PCT]";
-    QTest::newRow("0 is significantly out") << 0 << "2[PCT]"
-                                            << "6[PCT]";
-    QTest::newRow("4 is significantly out") << 4 << "2[PCT]"
-                                            << "6[PCT]";
-    QTest::newRow("-1 is significantly out") << -1 << "2[PCT]"
-                                             << "6[PCT]";
+    const auto row = test_columns<int, QString, QString>("tolerance_class", "tolerance", "bias");
+    row("1 is out of adjustment", 1, ".25[PCT]", "4[PCT]");
+    row("2 is out of tolerance", 2, "1[PCT]", "5[PCT]");
+    row("3 is significantly out", 3, "2[PCT]", "6[PCT]");
+    row("0 is significantly out", 0, "2[PCT]", "6[PCT]");
+    row("4 is significantly out", 4, "2[PCT]", "6[PCT]");
+    row("-1 is significantly out", -1, "2[PCT]", "6[PCT]");
 }
 
 void Tolerances::token_of_class()
@@ -125,11 +112,7 @@ void Tolerances::token_of_class()
 
 void Tolerances::split_data()
 {
-    QTest::addColumn<QByteArray>("token");
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QByteArray>("unit");
-    const auto row = [](const char *name, const QByteArray &token, const QByteArray &value,
-                        const QByteArray &unit) { QTest::newRow(name) << token << value << unit; };
+    const auto row = test_columns<QByteArray, QByteArray, QByteArray>("token", "value", "unit");
     row("number and unit", ".25[PCT]", ".25", "PCT");
     row("no bracket: all is value, unit stays", "12.5", "12.5", "before");
     row("nothing at all: unit stays", "", "", "before");
@@ -161,15 +144,9 @@ void Tolerances::split()
 
 void Tolerances::none_tolerances_data()
 {
-    QTest::addColumn<double>("min");
-    QTest::addColumn<double>("max");
-    QTest::addColumn<QByteArray>("sensor");
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<double>("per_percent"); // tolerance of one percent
-    const auto row = [](const char *name, double min, double max, const char *sensor,
-                        const char *table, double per_percent) {
-        QTest::newRow(name) << min << max << QByteArray(sensor) << QByteArray(table) << per_percent;
-    };
+    // per_percent: tolerance of one percent
+    const auto row = test_columns<double, double, QByteArray, QByteArray, double>(
+        "min", "max", "sensor", "table", "per_percent");
     row("0 to 100 in the table's units", 0, 100, "kPa", "kPa", 1.0);
     row("0 to 1000", 0, 1000, "kPa", "kPa", 10.0);
     row("-50 to 150: the limits' difference", -50, 150, "kPa", "kPa", 2.0);
@@ -221,16 +198,8 @@ void Tolerances::percent_sensor_and_other_table()
 
 void Tolerances::tolerance_token_data()
 {
-    QTest::addColumn<QByteArray>("token");
-    QTest::addColumn<QByteArray>("sensor");
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("warning");
-    const auto row = [](const char *name, const char *token, const char *sensor, const char *table,
-                        double value, const char *warning) {
-        QTest::newRow(name) << QByteArray(token) << QByteArray(sensor) << QByteArray(table) << value
-                            << QString(warning);
-    };
+    const auto row = test_columns<QByteArray, QByteArray, QByteArray, double, QString>(
+        "token", "sensor", "table", "value", "warning");
     // The sensor's span is 200 of its units throughout.
     row("5 percent of the span", "5[PCT]", "kPa", "kPa", 10.0, nullptr);
     row("a fraction of the span", ".05[FRAC]", "kPa", "kPa", 10.0, nullptr);
@@ -256,16 +225,13 @@ void Tolerances::tolerance_token()
 
 void Tolerances::fraction_after_a_warning_data()
 {
-    QTest::addColumn<QByteArray>("token");
-    QTest::addColumn<QByteArray>("sensor");
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<double>("value");
-    QTest::newRow("no warning: the token")
-        << QByteArray("5[PCT]") << QByteArray("kPa") << QByteArray("kPa") << 10.0;
-    QTest::newRow("unlike the sensor: the token")
-        << QByteArray("3[DEG_F]") << QByteArray("kPa") << QByteArray("kPa") << 600.0;
-    QTest::newRow("unlike the table: the other token")
-        << QByteArray("5[PCT]") << QByteArray("PCT") << QByteArray("kPa") << 14.0;
+    const auto row = test_columns<QByteArray, QByteArray, QByteArray, double>("token", "sensor",
+                                                                              "table", "value");
+    row("no warning: the token", QByteArray("5[PCT]"), QByteArray("kPa"), QByteArray("kPa"), 10.0);
+    row("unlike the sensor: the token", QByteArray("3[DEG_F]"), QByteArray("kPa"),
+        QByteArray("kPa"), 600.0);
+    row("unlike the table: the other token", QByteArray("5[PCT]"), QByteArray("PCT"),
+        QByteArray("kPa"), 14.0);
 }
 
 void Tolerances::fraction_after_a_warning()
@@ -279,37 +245,28 @@ void Tolerances::fraction_after_a_warning()
 
 void Tolerances::tolerance_warning_resets_the_index_data()
 {
-    QTest::addColumn<QString>("token");
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<QStringList>("warnings");
-    QTest::addColumn<int>("index");
-    QTest::newRow("no warning") << "5[PCT]" << QByteArray("kPa") << QStringList() << 7;
-    QTest::newRow("unlike the sensor") << "3[DEG_F]" << QByteArray("kPa") << QStringList(W1) << 0;
-    QTest::newRow("unlike the table") << "3[kPa]" << QByteArray("DEG_F") << QStringList(W2) << 0;
+    const auto row =
+        test_columns<QString, QByteArray, QStringList, int>("token", "table", "warnings", "index");
+    row("no warning", "5[PCT]", QByteArray("kPa"), QStringList(), 7);
+    row("unlike the sensor", "3[DEG_F]", QByteArray("kPa"), QStringList(W1), 0);
+    row("unlike the table", "3[kPa]", QByteArray("DEG_F"), QStringList(W2), 0);
 }
 
 void Tolerances::tolerance_warning_resets_the_index()
 {
     QFETCH(QString, token);
     QFETCH(QByteArray, table);
-    QFETCH(int, index);
     oot_tolerance_token = token;
     auto cfg = session(-50, 150, "kPa", table);
     get_tolerance_value(CLASS_OOT, cfg.get());
     QTEST(warning_texts(), "warnings");
-    QCOMPARE(int(mua_instance_index), index);
+    QTEST(int(mua_instance_index), "index");
 }
 
 void Tolerances::bias_token_data()
 {
-    QTest::addColumn<QString>("token");
-    QTest::addColumn<QByteArray>("sensor");
-    QTest::addColumn<QByteArray>("table");
-    QTest::addColumn<double>("value");
-    const auto row = [](const char *name, const char *token, const char *sensor, const char *table,
-                        double value) {
-        QTest::newRow(name) << QString(token) << QByteArray(sensor) << QByteArray(table) << value;
-    };
+    const auto row =
+        test_columns<QString, QByteArray, QByteArray, double>("token", "sensor", "table", "value");
     row("a percentage stays a bare fraction", "5[PCT]", "kPa", "kPa", 0.05);
     row("a fraction too", ".05[FRAC]", "kPa", "kPa", 0.05);
     row("absolute: in sensor units, not the table's", "2[PSI]", "kPa", "PSI", 2.0 * KPA_PER_PSI);

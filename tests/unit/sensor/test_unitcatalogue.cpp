@@ -50,7 +50,7 @@ class UnitLists : public QObject
 private slots:
     void initTestCase();
     void init();
-    void cleanup();
+    void cleanup() { m_memory.reset(); }
     void category_by_code_data();
     void category_by_code();
     void names_of_the_categories();
@@ -88,15 +88,9 @@ void UnitLists::init()
     m_memory = std::make_unique<UnitMemory>();
 }
 
-void UnitLists::cleanup()
-{
-    m_memory.reset();
-}
-
 void UnitLists::category_by_code_data()
 {
-    QTest::addColumn<int>("code");
-    QTest::addColumn<int>("category");
+    test_columns<int, int>("code", "category");
     const auto row = [](int code, int category) { QTest::addRow("%d", code) << code << category; };
     row(-1, 0);
     row(0, 0);
@@ -275,17 +269,8 @@ void UnitLists::built_once()
 
 void UnitLists::start_keyword_data()
 {
-    QTest::addColumn<int>("override");
-    QTest::addColumn<QByteArray>("table_units");
-    QTest::addColumn<QByteArray>("sensor_units");
-    QTest::addColumn<int>("category");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QByteArray>("value_units");
-    const auto row = [](const char *name, int over, const char *table, const char *sensor,
-                        int category, int entry, const char *value) {
-        QTest::newRow(name) << over << QByteArray(table) << QByteArray(sensor) << category << entry
-                            << QByteArray(value);
-    };
+    const auto row = test_columns<int, QByteArray, QByteArray, int, int, QByteArray>(
+        "override", "table_units", "sensor_units", "category", "row", "value_units");
     row("the table's units with the override", 1, "PSI", "SEC", 1, 1, "PSI");
     row("the sensor's units without it", 0, "PSI", "SEC", 2, 0, "SEC");
     row("blanks and line ends go", 0, "", " PSI \n ", 1, 1, "PSI");
@@ -336,12 +321,7 @@ void UnitLists::keyword_of_16_characters()
 
 void UnitLists::looking_up_data()
 {
-    QTest::addColumn<QByteArray>("keyword");
-    QTest::addColumn<int>("category");
-    QTest::addColumn<int>("row");
-    const auto row = [](const char *name, const char *keyword, int category, int entry) {
-        QTest::newRow(name) << QByteArray(keyword) << category << entry;
-    };
+    const auto row = test_columns<QByteArray, int, int>("keyword", "category", "row");
     row("whole", "deg_F", 0, 1);
     row("a beginning finds the first that has it", "deg", 0, 0);
     row("prefix of a longer keyword that stands before it", "IN", 1, 0);

@@ -32,14 +32,13 @@ private slots:
 
 void StatisticsCells::differences_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("zero") << 0. << "    0.00";
-    QTest::newRow("two decimals, rounded") << 1.006 << "    1.01";
-    QTest::newRow("negative") << -12.5 << "  -12.50";
-    QTest::newRow("wider than its field") << -123456.789 << "-123456.79";
-    QTest::newRow("no number") << NOT_A_NUMBER << "     nan";
-    QTest::newRow("endless") << ENDLESS << "     inf";
+    const auto row = test_columns<double, QString>("value", "text");
+    row("zero", 0., "    0.00");
+    row("two decimals, rounded", 1.006, "    1.01");
+    row("negative", -12.5, "  -12.50");
+    row("wider than its field", -123456.789, "-123456.79");
+    row("no number", NOT_A_NUMBER, "     nan");
+    row("endless", ENDLESS, "     inf");
 }
 
 void StatisticsCells::differences()
@@ -50,17 +49,16 @@ void StatisticsCells::differences()
 
 void StatisticsCells::figures_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("zero") << 0. << "0";
-    QTest::newRow("0.000012345 prints as 1.2345e-05") << 0.000012345 << "1.2345e-05";
-    QTest::newRow("0.00012345 has no exponent yet") << 0.00012345 << "0.00012345";
-    QTest::newRow("six significant digits") << 1234.56789 << "1234.57";
-    QTest::newRow("a million") << 1e6 << "1e+06";
-    QTest::newRow("just below a million") << 999999. << "999999";
-    QTest::newRow("a figure that does not exist") << -999.9 << "-999.9";
-    QTest::newRow("no number") << NOT_A_NUMBER << "nan";
-    QTest::newRow("endless") << -ENDLESS << "-inf";
+    const auto row = test_columns<double, QString>("value", "text");
+    row("zero", 0., "0");
+    row("0.000012345 prints as 1.2345e-05", 0.000012345, "1.2345e-05");
+    row("0.00012345 has no exponent yet", 0.00012345, "0.00012345");
+    row("six significant digits", 1234.56789, "1234.57");
+    row("a million", 1e6, "1e+06");
+    row("just below a million", 999999., "999999");
+    row("a figure that does not exist", -999.9, "-999.9");
+    row("no number", NOT_A_NUMBER, "nan");
+    row("endless", -ENDLESS, "-inf");
 }
 
 void StatisticsCells::figures()
@@ -89,19 +87,15 @@ void StatisticsCells::stability()
 
 void StatisticsCells::deviations_data()
 {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QVector<double>>("values");
-    QTest::addColumn<QStringList>("texts");
-    QTest::newRow("three decimals") << 0 << QVector<double>{1000., 10.0006, 10., 0.0006}
-                                    << QStringList{"1", "1000.000", "10.001", "10.000", "0.001"};
-    QTest::newRow("measured below computed is negative")
-        << 63 << QVector<double>{-1.5, 9.5, 10.75, -1.25}
-        << QStringList{"64", "-1.500", "9.500", "10.750", "-1.250"};
-    QTest::newRow("no exponent") << 9 << QVector<double>{1e7, 1e-7, 0., 1e-7}
-                                 << QStringList{"10", "10000000.000", "0.000", "0.000", "0.000"};
-    QTest::newRow("no numbers") << 1
-                                << QVector<double>{NOT_A_NUMBER, NOT_A_NUMBER, ENDLESS, -ENDLESS}
-                                << QStringList{"2", "nan", "nan", "inf", "-inf"};
+    const auto row = test_columns<int, QVector<double>, QStringList>("index", "values", "texts");
+    row("three decimals", 0, QVector<double>{1000., 10.0006, 10., 0.0006},
+        QStringList{"1", "1000.000", "10.001", "10.000", "0.001"});
+    row("measured below computed is negative", 63, QVector<double>{-1.5, 9.5, 10.75, -1.25},
+        QStringList{"64", "-1.500", "9.500", "10.750", "-1.250"});
+    row("no exponent", 9, QVector<double>{1e7, 1e-7, 0., 1e-7},
+        QStringList{"10", "10000000.000", "0.000", "0.000", "0.000"});
+    row("no numbers", 1, QVector<double>{NOT_A_NUMBER, NOT_A_NUMBER, ENDLESS, -ENDLESS},
+        QStringList{"2", "nan", "nan", "inf", "-inf"});
 }
 
 void StatisticsCells::deviations()
