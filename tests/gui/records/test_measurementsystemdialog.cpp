@@ -215,7 +215,7 @@ void SystemDialog::text_that_is_no_number()
     answerer.expect_dialog(TITLE, [&](QDialog *open) {
         type_all(*open, {"1", "2", "3", "4"});
         part<QLineEdit>(*open, FIELDS[field])->setText("abc");
-        answerer.expect(QString(), invalid_value_text(static_cast<EXPECTED_VALUE>(field)));
+        answerer.expect(QString(), invalid_value_text(static_cast<ExpectedValue>(field)));
         press(*open, "btnOK");
         QVERIFY(open->isVisible());
         QCOMPARE(part<QLineEdit>(*open, FIELDS[field])->text(), QString("abc"));

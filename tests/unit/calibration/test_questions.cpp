@@ -42,16 +42,17 @@ void Questions::wording_data()
     const auto row = test_columns<int, QString, QString, int>("mark", "title", "text", "buttons");
     for (std::size_t i = 0; i < std::size(MARKS); ++i) {
         const AskedQuestion &asked = PROCESS_QUESTIONS[i];
-        row(qPrintable(QStringLiteral("%1: %2").arg(asked.mark, asked.when)), MARKS[i], asked.title,
-            asked.text, buttons_of(asked));
+        row(qPrintable(QStringLiteral("%1: %2").arg(asked.mark, asked.when)), int(MARKS[i]),
+            asked.title, asked.text, buttons_of(asked));
     }
-    row("a number of points out of its range", QuestionMark::InvalidPoints,
+    row("a number of points out of its range", int(QuestionMark::InvalidPoints),
         "Invalid Calibration Points",
         "A invalid value for Calibration Points was entered\n\n"
         "Please reenter a Calibration Points value between 2 and 64",
         int(QuestionButtons::Ok));
-    row("an averaging time out of its range", QuestionMark::AveragingTime, "Wrong Value Entered",
-        "The entered Averaging Time must be between 5 and 30 seconds", int(QuestionButtons::Ok));
+    row("an averaging time out of its range", int(QuestionMark::AveragingTime),
+        "Wrong Value Entered", "The entered Averaging Time must be between 5 and 30 seconds",
+        int(QuestionButtons::Ok));
 }
 
 void Questions::wording()
